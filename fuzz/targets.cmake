@@ -1,0 +1,1 @@
+# modelyne_fuzzer(fuzz_<name> SOURCES <name>.cpp LIBS <libraries>)
