@@ -1,0 +1,23 @@
+#include "export/svg_export.h"
+
+#include "export/diagram_drawing.h"
+#include "export/svg_writer.h"
+#include "io/atomic_file.h"
+
+namespace modelyne::exporter {
+
+std::string svgText(std::span<const core::Node> nodes, std::span<const core::Edge> edges,
+                    SvgExportOptions options, const core::DiagramFrame* frame) {
+  DrawingOptions drawing;
+  drawing.margin = options.margin;
+  drawing.background = options.background;
+  drawing.frame = frame;
+  return svgDocument(buildDrawing(nodes, edges, drawing));
+}
+
+bool exportSvg(const std::filesystem::path& path, std::span<const core::Node> nodes,
+               std::span<const core::Edge> edges, SvgExportOptions options, std::string* error) {
+  return io::writeFileAtomic(path, svgText(nodes, edges, options), error);
+}
+
+}  // namespace modelyne::exporter
