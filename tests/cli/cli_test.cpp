@@ -1,0 +1,262 @@
+// End-to-end tests of the `modelyne` binary: outputs, exit codes, pipes with
+// "-", and that a failed command leaves OUT alone. The subsystems' own tests
+// cover the logic behind each command.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "run_tool.h"
+
+namespace modelyne::cli::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSamples = fs::path(MODELYNE_SOURCE_DIR) / "samples";
+
+// A block definition diagram with one block and one basic shape, which no
+// diagram kind allows.
+const std::string kBddXml =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<diagram formatVersion=\"1.0\" appVersion=\"0.1.0-win\" xmlns=\"modelyne:diagram\">\n"
+    "  <node id=\"b1\" type=\"sysmlBlock\">\n"
+    "    <geom x=\"80\" y=\"80\" w=\"180\" h=\"100\"/>\n"
+    "    <text>Drone</text>\n"
+    "  </node>\n"
+    "  <node id=\"r1\" type=\"rect\">\n"
+    "    <geom x=\"300\" y=\"80\" w=\"180\" h=\"100\"/>\n"
+    "  </node>\n"
+    "  <DiagramFrame kind=\"bdd\" elementType=\"block\" elementName=\"Drone\" name=\"\" show=\"true\"/>\n"
+    "</diagram>\n";
+
+const std::string kRectFinding = "Node 'r1' (type=rect) not allowed on Block Definition Diagram";
+
+// The same content as a loose, hand-written file: odd spacing, single quotes,
+// attributes out of order, no frame line.
+const std::string kLooseXml =
+    "<diagram xmlns='modelyne:diagram'>\n"
+    "<node type='sysmlBlock'   id='b1'><geom w='180' h='100.0' x='80' y='80'/><text>Drone</text></node>\n"
+    "</diagram>";
+
+// Line 4 holds a geometry value that is not a number.
+const std::string kBrokenXml =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<diagram formatVersion=\"1.0\" xmlns=\"modelyne:diagram\">\n"
+    "  <node id=\"b1\" type=\"sysmlBlock\">\n"
+    "    <geom x=\"abc\" y=\"80\" w=\"180\" h=\"100\"/>\n"
+    "  </node>\n"
+    "</diagram>\n";
+
+bool isOneErrorLine(const std::string& err) {
+  return err.starts_with("modelyne: error: ") && err.find('\n') == err.size() - 1;
+}
+
+TEST(CliBasics, VersionHelpAndUsageErrors) {
+  ToolRun r = runTool({"--version"});
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_EQ(r.out, "modelyne 0.1.0\n");
+
+  r = runTool({"--help"});
+  EXPECT_EQ(r.exitCode, 0);
+  for (const char* c : {"check", "assess", "explain", "export", "generate", "plan", "prompt", "eval",
+                        "info", "format"})
+    EXPECT_NE(r.out.find(std::string("\n  ") + c + " "), std::string::npos) << c;
+
+  r = runTool({"check", "--help"});
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_TRUE(r.out.starts_with("usage: modelyne check FILE")) << r.out;
+  EXPECT_NE(r.out.find("example"), std::string::npos);
+  EXPECT_EQ(r.err, "");
+
+  // Usage faults: one error line, nothing on standard output, exit 2.
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{}, {"frobnicate"}, {"check"}, {"check", "a.xml", "b.xml"},
+        {"check", "--bogus", "a.xml"}, {"check", "a.xml", "--kind"}, {"--version", "x"}}) {
+    r = runTool(args);
+    EXPECT_EQ(r.exitCode, 2) << r.err;
+    EXPECT_TRUE(isOneErrorLine(r.err)) << r.err;
+    EXPECT_EQ(r.out, "");
+  }
+  EXPECT_EQ(runTool({"check", "x.xml", "--kind", "bdx"}).err,
+            "modelyne: error: unknown diagram kind 'bdx' (kinds: bdd, ibd, pkg, par, act, sd, stm, uc, "
+            "req, test, mm)\n");
+  EXPECT_EQ(runTool({"check", "--bogus"}).err, "modelyne: error: unknown option '--bogus'\n");
+}
+
+TEST(CliCheck, FindingsAsTextOrJsonFromFileOrStdin) {
+  const fs::path dir = scratchDir("check");
+  writeText(dir / "m.xml", kBddXml);
+
+  ToolRun text = runTool({"check", (dir / "m.xml").string()});
+  EXPECT_EQ(text.exitCode, 1);
+  EXPECT_TRUE(text.out.starts_with(kRectFinding + "\n")) << text.out;
+
+  // The same through a pipe.
+  ToolRun piped = runTool({"check", "-"}, kBddXml);
+  EXPECT_EQ(piped.exitCode, 1);
+  EXPECT_EQ(piped.out, text.out);
+
+  ToolRun json = runTool({"check", "-", "--format", "json"}, kBddXml);
+  EXPECT_EQ(json.exitCode, 1);
+  EXPECT_TRUE(json.out.starts_with("[\n  \"" + kRectFinding + "\"")) << json.out;
+  EXPECT_TRUE(json.out.ends_with("\n]\n"));
+
+  // --kind overrides the frame: a mind map does not allow blocks either.
+  ToolRun mm = runTool({"check", "-", "--kind", "mm"}, kBddXml);
+  EXPECT_NE(mm.out.find("Node 'b1' (type=sysmlBlock) not allowed on Mind Map Diagram\n"),
+            std::string::npos)
+      << mm.out;
+
+  EXPECT_EQ(runTool({"check", "-", "--format", "xml"}, kBddXml).exitCode, 2);
+}
+
+TEST(CliErrors, FaultsNameTheFileAndLine) {
+  const fs::path dir = scratchDir("errors");
+  writeText(dir / "broken.xml", kBrokenXml);
+
+  ToolRun r = runTool({"check", "broken.xml"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_TRUE(r.err.starts_with("modelyne: error: broken.xml:4: invalid stof argument")) << r.err;
+  EXPECT_TRUE(isOneErrorLine(r.err)) << r.err;
+  EXPECT_EQ(r.out, "");
+
+  r = runTool({"assess", "-"}, kBrokenXml);
+  EXPECT_TRUE(r.err.starts_with("modelyne: error: <stdin>:4: ")) << r.err;
+
+  r = runTool({"info", "missing.xml"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_EQ(r.err, "modelyne: error: cannot open missing.xml: No such file or directory\n");
+}
+
+TEST(CliOutput, FailedCommandLeavesAnExistingOutUntouched) {
+  const fs::path dir = scratchDir("output");
+  writeText(dir / "good.xml", kBddXml);
+  writeText(dir / "broken.xml", kBrokenXml);
+  writeText(dir / "keep.md", "precious\n");
+
+  ToolRun r = runTool({"explain", "broken.xml", "-o", "keep.md"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_EQ(readText(dir / "keep.md"), "precious\n");
+
+  r = runTool({"explain", "good.xml", "-o", "keep.md"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(r.out, "");
+  EXPECT_TRUE(readText(dir / "keep.md").starts_with("# ")) << readText(dir / "keep.md");
+
+  // A folder that does not exist: an error, and no stray temporary files.
+  r = runTool({"format", "good.xml", "-o", "nowhere/out.xml"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_TRUE(isOneErrorLine(r.err)) << r.err;
+  std::size_t files = 0;
+  for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir)) ++files;
+  EXPECT_EQ(files, 3u);
+}
+
+// Expressions, their shortest printed value and exit code.
+TEST(CliEval, ExpressionValuesAndErrors) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string out;
+    int exitCode;
+  };
+  const Case cases[] = {
+      {{"1 + 2 * 3"}, "7\n", 0},
+      {{"2^-1"}, "0.5\n", 0},
+      {{"1.5e3"}, "1500\n", 0},
+      {{"2^3^2"}, "512\n", 0},
+      {{"-2^2"}, "4\n", 0},
+      {{"8 / 0 + 1"}, "1\n", 0},
+      {{"0.1 + 0.2"}, "0.30000000000000004\n", 0},
+      {{"mass * g", "--var", "mass=1500", "--var", "g=9.81"}, "14715\n", 0},
+      {{"--var=x=2", "--", "-x * 3"}, "-6\n", 0},
+      {{"Mass * 2", "--var", "mass=3"}, "0\n", 1},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> args{"eval"};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const ToolRun r = runTool(args);
+    EXPECT_EQ(r.out, c.out) << c.args[0];
+    EXPECT_EQ(r.exitCode, c.exitCode) << c.args[0] << ": " << r.err;
+  }
+  EXPECT_EQ(runTool({"eval", "a + b * a", "--var", "b=1"}).err, "modelyne: unresolved name: a\n");
+
+  // Syntax errors print the parser's message.
+  const std::pair<const char*, const char*> errors[] = {
+      {"1 +", "unexpected end"},
+      {"(1 + 2", "missing ')'"},
+      {"#1", "unexpected character"},
+      {"1 2", "trailing input"},
+  };
+  for (const auto& [expr, message] : errors) {
+    const ToolRun r = runTool({"eval", expr});
+    EXPECT_EQ(r.exitCode, 2) << expr;
+    EXPECT_EQ(r.err, std::string("modelyne: error: ") + message + "\n") << expr;
+    EXPECT_EQ(r.out, "");
+  }
+  EXPECT_EQ(runTool({"eval", "x", "--var", "x=abc"}).exitCode, 2);
+}
+
+TEST(CliFormat, CanonicalFormIsStableAndPipes) {
+  const ToolRun first = runTool({"format", "-"}, kLooseXml);
+  ASSERT_EQ(first.exitCode, 0) << first.err;
+  EXPECT_NE(first.out.find("  <node id=\"b1\" type=\"sysmlBlock\">\n"
+                           "    <geom x=\"80\" y=\"80\" w=\"180\" h=\"100\"/>\n"
+                           "    <text>Drone</text>\n"
+                           "  </node>\n"),
+            std::string::npos)
+      << first.out;
+  EXPECT_NE(first.out.find("<DiagramFrame kind=\"pkg\""), std::string::npos) << first.out;
+  const ToolRun second = runTool({"format", "-"}, first.out);
+  EXPECT_EQ(second.out, first.out);
+
+  // Formatting a file onto itself.
+  const fs::path dir = scratchDir("format");
+  writeText(dir / "m.xml", kLooseXml);
+  EXPECT_EQ(runTool({"format", "m.xml", "-o", "m.xml"}, {}, dir).exitCode, 0);
+  EXPECT_EQ(readText(dir / "m.xml"), first.out);
+}
+
+TEST(CliInfo, ProjectWrapperModelsAndModelSelection) {
+  const std::string project =
+      "<modelyneProject version=\"1\" name=\"Drone\" active=\"1\">\n"
+      "<modelyneModel id=\"m1\" name=\"Loose\">\n" + kLooseXml + "\n</modelyneModel>\n"
+      "<modelyneModel id=\"m2\" name=\"Structure\">\n" + kBddXml + "</modelyneModel>\n"
+      "</modelyneProject>\n";
+  ToolRun r = runTool({"info", "-"}, project);
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(r.out,
+            "file: <stdin> (project \"Drone\", 2 models)\n"
+            "model m1 \"Loose\"\n"
+            "  kind: pkg (Package Diagram)\n"
+            "  nodes: 1\n"
+            "  edges: 0\n"
+            "  frame: package \"Model\", name \"\", shown\n"
+            "  data-integration links: 0\n"
+            "model m2 \"Structure\" (active)\n"
+            "  kind: bdd (Block Definition Diagram)\n"
+            "  nodes: 2\n"
+            "  edges: 0\n"
+            "  frame: block \"Drone\", name \"\", shown\n"
+            "  data-integration links: 0\n");
+
+  // check works on the active model unless --model names another.
+  EXPECT_EQ(runTool({"check", "-"}, project).exitCode, 1);
+  r = runTool({"check", "-", "--model", "m1", "--kind", "mm"}, project);
+  EXPECT_NE(r.out.find("'b1'"), std::string::npos) << r.out;
+  EXPECT_EQ(r.out.find("'r1'"), std::string::npos) << r.out;
+  r = runTool({"check", "-", "--model", "m9"}, project);
+  EXPECT_EQ(r.err, "modelyne: error: <stdin>: no model 'm9' (models: m1, m2)\n");
+
+  // A fault inside the second model is reported at its line in the file.
+  const std::string broken = "<modelyneProject version=\"1\" name=\"P\" active=\"0\">\n"
+                             "<modelyneModel id=\"a\" name=\"A\">\n" + kBddXml + "</modelyneModel>\n"
+                             "<modelyneModel id=\"b\" name=\"B\">\n" + kBrokenXml + "</modelyneModel>\n"
+                             "</modelyneProject>\n";
+  r = runTool({"info", "-"}, broken);
+  EXPECT_TRUE(r.err.starts_with("modelyne: error: <stdin>:19: ")) << r.err;
+}
+
+}  // namespace
+}  // namespace modelyne::cli::test
