@@ -275,6 +275,10 @@ void Document::reserve(std::size_t nodeCount, std::size_t edgeCount) {
   edgeIndex_.reserve(edgeCount);
 }
 
+std::size_t Document::nodeMemoryBytes() const noexcept {
+  return nodes_.capacity() * sizeof(Node) + nodeIndex_.memoryBytes();
+}
+
 std::size_t Document::structuralMemoryBytes() const noexcept {
   return nodes_.capacity() * sizeof(Node) + edges_.capacity() * sizeof(Edge) + nodeIndex_.memoryBytes() +
          edgeIndex_.memoryBytes();

@@ -100,6 +100,8 @@ class Document {
 
   /// Heap bytes held by the sequences and indexes (strings' own heap excluded).
   std::size_t structuralMemoryBytes() const noexcept;
+  /// The node part of it: the node records and their index.
+  std::size_t nodeMemoryBytes() const noexcept;
 
  private:
   std::string makeId(std::string_view requested, std::string_view fallback, bool forNode,
