@@ -118,7 +118,7 @@ struct PropagationResult {
   std::vector<TraceEvent> trace;
   std::vector<std::string> unresolved;  ///< names read without a value, sorted, unique
   std::vector<PropagationError> errors; ///< in the order found
-  bool converged = true;               ///< every cycle settled and no equation failed to evaluate
+  bool converged = true;               ///< every cycle settled within the iteration limit
   std::uint32_t sweeps = 0;            ///< most sweeps any cycle needed (1 without cycles)
 
   /// The entry of a value by name, or null.
