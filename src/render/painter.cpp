@@ -1,0 +1,130 @@
+#include "render/painter.h"
+
+#include <QFont>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPolygonF>
+#include <QString>
+#include <QStringList>
+
+#include <cmath>
+#include <map>
+
+namespace modelyne::render {
+
+namespace {
+
+using exporter::Colour;
+using exporter::Primitive;
+using exporter::PrimitiveKind;
+
+QColor toQColor(Colour c) {
+  return QColor(static_cast<int>((c.rgb >> 16) & 0xFF), static_cast<int>((c.rgb >> 8) & 0xFF),
+                static_cast<int>(c.rgb & 0xFF));
+}
+
+QPen penOf(const Primitive& p) {
+  if (p.stroke.none) return Qt::NoPen;
+  QPen pen(toQColor(p.stroke));
+  pen.setWidthF(p.strokeWidth);
+  pen.setJoinStyle(Qt::MiterJoin);
+  pen.setCapStyle(Qt::FlatCap);
+  if (p.dashed && p.strokeWidth > 0) {
+    // Qt measures dashes in pen widths; the drawing's 5,3 pattern is in drawing units.
+    pen.setDashPattern({5.0 / p.strokeWidth, 3.0 / p.strokeWidth});
+  }
+  return pen;
+}
+
+QBrush brushOf(const Primitive& p) {
+  return p.fill.none ? QBrush(Qt::NoBrush) : QBrush(toQColor(p.fill));
+}
+
+/// Fonts by pixel size, built once per paint call.
+class FontCache {
+ public:
+  const std::pair<QFont, QFontMetricsF>& get(float size) {
+    auto it = fonts_.find(size);
+    if (it != fonts_.end()) return it->second;
+    QFont font;
+    font.setFamilies({QStringLiteral("Meiryo"), QStringLiteral("Yu Gothic UI"), QStringLiteral("Segoe UI"),
+                      QStringLiteral("DejaVu Sans"), QStringLiteral("Noto Sans CJK JP"), QStringLiteral("sans-serif")});
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(size))));
+    return fonts_.emplace(size, std::make_pair(font, QFontMetricsF(font))).first->second;
+  }
+
+ private:
+  std::map<float, std::pair<QFont, QFontMetricsF>> fonts_;
+};
+
+void paintText(QPainter& painter, const Primitive& p, FontCache& fonts) {
+  if (p.text.empty() || !(p.v[2] > 0)) return;
+  const auto& [font, metrics] = fonts.get(p.v[2]);
+  const QString text = QString::fromUtf8(p.text.data(), static_cast<qsizetype>(p.text.size()));
+  qreal x = p.v[0];
+  if (p.anchor == exporter::TextAnchor::middle) x -= metrics.horizontalAdvance(text) / 2;
+  painter.setFont(font);
+  painter.setPen(toQColor(p.fill));
+  painter.drawText(QPointF(x, p.v[1]), text);
+}
+
+}  // namespace
+
+void paint(QPainter& painter, const exporter::DrawingList& d) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing, true);
+  painter.setRenderHint(QPainter::TextAntialiasing, true);
+  if (d.background)
+    painter.fillRect(QRectF(d.bounds.x, d.bounds.y, d.bounds.width, d.bounds.height), Qt::white);
+  FontCache fonts;
+  QPolygonF poly;
+  for (const Primitive& p : d.items) {
+    if (p.kind == PrimitiveKind::text) {
+      paintText(painter, p, fonts);
+      continue;
+    }
+    painter.setPen(penOf(p));
+    painter.setBrush(brushOf(p));
+    switch (p.kind) {
+      case PrimitiveKind::rect: {
+        const QRectF r(p.v[0], p.v[1], p.v[2], p.v[3]);
+        if (p.v[4] > 0)
+          painter.drawRoundedRect(r, p.v[4], p.v[4]);
+        else
+          painter.drawRect(r);
+        break;
+      }
+      case PrimitiveKind::ellipse:
+        painter.drawEllipse(QPointF(p.v[0], p.v[1]), p.v[2], p.v[3]);
+        break;
+      case PrimitiveKind::line:
+        painter.drawLine(QPointF(p.v[0], p.v[1]), QPointF(p.v[2], p.v[3]));
+        break;
+      case PrimitiveKind::cubic: {
+        QPainterPath path(QPointF(p.v[0], p.v[1]));
+        path.cubicTo(QPointF(p.v[2], p.v[3]), QPointF(p.v[4], p.v[5]), QPointF(p.v[6], p.v[7]));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawPath(path);
+        break;
+      }
+      case PrimitiveKind::polygon:
+      case PrimitiveKind::polyline: {
+        poly.clear();
+        const exporter::Point* pts = d.pointsOf(p);
+        for (std::uint32_t i = 0; i < p.count; ++i) poly.append(QPointF(pts[i].x, pts[i].y));
+        if (p.kind == PrimitiveKind::polygon)
+          painter.drawPolygon(poly);
+        else
+          painter.drawPolyline(poly);
+        break;
+      }
+      case PrimitiveKind::text:
+        break;
+    }
+  }
+  painter.restore();
+}
+
+}  // namespace modelyne::render
