@@ -1,0 +1,28 @@
+#pragma once
+// Internal helpers shared by the substring-search block readers (frame line,
+// data-integration block, project wrapper): attribute reading from one tag's
+// text and whole-line removal. Not part of the public io API.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace modelyne::io::detail {
+
+/// The raw (undecoded) value of attribute `name` in a tag's text (from "<"
+/// to ">"), or nothing. Values may use either quote; the last of two
+/// same-named attributes wins, as in the diagram reader.
+bool findAttribute(std::string_view tag, std::string_view name, std::string_view& value);
+
+/// The decoded value of attribute `name`, or `fallback` when absent.
+std::string attributeOr(std::string_view tag, std::string_view name, std::string_view fallback);
+
+/// Extends [begin, end) to whole lines: back over spaces and tabs to the line
+/// start, and forward over spaces, tabs and one line break, when only white
+/// space lies between; returns the extended range.
+void widenToLines(std::string_view text, std::size_t& begin, std::size_t& end);
+
+/// Number of line breaks before `offset`, plus one.
+std::size_t lineAt(std::string_view text, std::size_t offset);
+
+}  // namespace modelyne::io::detail
