@@ -3,7 +3,8 @@
 /// postfix program over variable slots, then evaluated many times with
 /// changing values. It gives the same results as `EvaluateExpression` bit
 /// for bit (same operations in the same order, the zero-divisor rule, the
-/// sign before "^", the unresolved flag) and throws the same errors from
+/// sign before "^", the unresolved flag; a NaN result is a NaN in both, its
+/// sign bit and payload unspecified) and throws the same errors from
 /// `compile`.
 
 #include <cstdint>

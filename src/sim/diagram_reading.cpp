@@ -200,7 +200,6 @@ class Reader {
       const Node& n = nodes_[i];
       const Role role = roleOf(n.type);
       roles_[i] = role;
-      if (role == Role::none) continue;
       byId_.emplace(n.id, i);
       if (role == Role::constraint || role == Role::definition) {
         Holder h;
