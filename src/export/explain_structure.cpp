@@ -122,6 +122,9 @@ void relationshipLines(const DiagramView& view, std::vector<std::string>& lines)
       line += view.name(static_cast<std::size_t>(view.source[e]));
       line += view.edgeTraits[e]->joiner;
       line += view.name(static_cast<std::size_t>(view.target[e]));
+      // What an item flow carries, or a relation's role name, is worth reading.
+      const std::string label = oneLine(view.edges[e].text);
+      if (!label.empty()) line += " [" + label + "]";
     }
     line += ").";
     lines.push_back(std::move(line));

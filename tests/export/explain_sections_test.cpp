@@ -42,7 +42,7 @@ TEST(ExplainStructure, DecompositionIsAnIndentedTreeWithRelationships) {
             "  - composition: 3 (e.g. Vehicle \u2192 Powertrain, Vehicle \u2192 Powertrain, "
             "Powertrain \u2192 Engine).\n"
             "  - realization: 1 (e.g. Engine \u2192 CAN bus).\n"
-            "  - item flow: 1 (e.g. Powertrain \u2192 Chassis).");
+            "  - item flow: 1 (e.g. Powertrain \u2192 Chassis [torque]).");
 }
 
 TEST(ExplainStructure, UnconnectedStructureAndContainmentCycles) {
