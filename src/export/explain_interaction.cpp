@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <unordered_map>
 
 #include "export/explain_detail.h"
 
@@ -59,11 +60,22 @@ class Participants {
     return view_.name(node);
   }
 
+  /// Builds the id lookup of the lifelines for the activations that name their owner.
+  void indexOwners() {
+    for (const std::size_t l : lifelines_) byId_.emplace(view_.nodes[l].id, l);
+  }
+
  private:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-  // The lifeline whose box spans the activation's centre, nearest centre first.
+  // The lifeline the activation names as its owner, else the one whose box
+  // spans the activation's centre, nearest centre first.
   std::size_t hostOf(const core::Node& activation) const {
+    const auto owner = activation.properties.find("ownerLifeline");
+    if (owner != activation.properties.end()) {
+      const auto it = byId_.find(owner->second);
+      if (it != byId_.end()) return it->second;
+    }
     const float x = centreX(activation);
     const auto it = std::lower_bound(
         lifelines_.begin(), lifelines_.end(), x,
@@ -83,16 +95,49 @@ class Participants {
 
   const DiagramView& view_;
   std::vector<std::size_t> lifelines_;
+  std::unordered_map<std::string_view, std::size_t> byId_;
 };
+
+// "loop [retry < 3] Resend", from the fragment's operator, guard and label.
+std::string fragmentName(const DiagramView& view, std::size_t node) {
+  const auto& props = view.nodes[node].properties;
+  const auto prop = [&props](const char* key) {
+    const auto it = props.find(key);
+    return it == props.end() ? std::string() : oneLine(it->second);
+  };
+  std::string out = prop("operator");
+  const std::string guard = prop("guard");
+  if (!guard.empty()) out += (out.empty() ? "[" : " [") + guard + "]";
+  const std::string text = oneLine(view.nodes[node].text);
+  if (!text.empty()) out += (out.empty() ? "" : " ") + text;
+  return out.empty() ? view.name(node) : out;
+}
 
 }  // namespace
 
 std::string interactionBody(const DiagramView& view) {
-  const Participants participants(view);
+  Participants participants(view);
+  participants.indexOwners();
   std::vector<std::string> lines;
   if (!participants.lifelines().empty())
     lines.push_back("Participants (lifelines): " +
                     joinNames(view, participants.lifelines(), kInlineCap) + ".");
+
+  std::vector<std::pair<float, std::size_t>> fragments;
+  for (std::size_t i = 0; i < view.nodes.size(); ++i)
+    if (view.nodes[i].type == core::ShapeType::umlCombinedFragment)
+      fragments.emplace_back(sortable(view.nodes[i].geom.y), i);
+  std::stable_sort(fragments.begin(), fragments.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  if (!fragments.empty()) {
+    std::vector<std::string> names;
+    for (std::size_t k = 0; k < fragments.size() && k < kInlineCap; ++k)
+      names.push_back(fragmentName(view, fragments[k].second));
+    std::string line = "Combined fragments: " + joinCapped(names, kInlineCap);
+    if (fragments.size() > names.size())
+      line += ", and " + std::to_string(fragments.size() - names.size()) + " more";
+    lines.push_back(line + ".");
+  }
 
   std::vector<std::pair<float, std::size_t>> messages;
   for (std::size_t e = 0; e < view.edges.size(); ++e)

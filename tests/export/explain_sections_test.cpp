@@ -151,19 +151,29 @@ TEST(ExplainInteraction, MessagesInVerticalOrderWithTheirVerbs) {
   d.node("cli", ShapeType::umlLifeline, "Client", 0, 0, 80, 400);
   d.node("act", ShapeType::umlActivation, "", 335, 100, 10, 80);  // sits on Server
   d.node("tmp", ShapeType::umlLifeline, "Session", 600, 0, 80, 400);
+  // Drawn off its lifeline, but it names its owner.
+  d.node("act2", ShapeType::umlActivation, "", 900, 350, 10, 40).properties["ownerLifeline"] = "cli";
+  auto& loop = d.node("frag", ShapeType::umlCombinedFragment, "", 0, 90, 700, 120);
+  loop.properties["operator"] = "loop";
+  loop.properties["guard"] = "until accepted";
+  d.node("ref", ShapeType::umlCombinedFragment, "Audit", 0, 20, 700, 40).properties["operator"] = "ref";
+  d.node("bare", ShapeType::umlCombinedFragment, "", 0, 250, 700, 40);
   d.edge("cli", "act", EdgeType::sysmlSyncMessage, "login(user)").srcAnchorDY = 110;
   d.edge("act", "cli", EdgeType::sysmlReplyMessage, "token").tgtAnchorDY = 170;
   d.edge("srv", "tmp", EdgeType::sysmlCreateMessage).srcAnchorDY = 130;
   d.edge("srv", "tmp", EdgeType::sysmlDeleteMessage).srcAnchorDY = 300;
   // No offsets: the activation's middle (140) places it between create and reply.
   d.edge("act", "tmp", EdgeType::sysmlAsyncMessage, "audit\nlog");
+  d.edge("act2", "srv", EdgeType::sysmlAsyncMessage, "bye");  // middle at 370
   EXPECT_EQ(d.section("Interaction Sequence"),
-            "Participants (lifelines): Client, Server, Session.\n"
+            "Participants (lifelines): Client, Server, Session.\n\n"
+            "Combined fragments: ref Audit, loop [until accepted], umlCombinedFragment [bare].\n"
             "  1. Client sends to Server: login(user).\n"
             "  2. Server sends to Session: \u00abcreate\u00bb.\n"
             "  3. Server sends to Session: audit log.\n"
             "  4. Server replies to Client: token.\n"
-            "  5. Server destroys Session.");
+            "  5. Server destroys Session.\n"
+            "  6. Client sends to Server: bye.");
 
   Diagram silent;
   silent.node("a", ShapeType::umlLifeline, "A");
