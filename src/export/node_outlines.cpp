@@ -417,11 +417,14 @@ void drawPort(DrawingBuilder& out, const core::Node& node) {
   const std::string label = portLabel(node);
   if (label.empty()) return;
   const float size = sq.size >= 16 ? 11.0f : kSmall;
+  // Above a port on the top side; below it otherwise, running inward from a
+  // left-side port so the name stays over its owner.
   const float cx = sq.x + sq.size / 2;
-  if (sideOf(property(node, "boundarySide")) == Side::top)
-    out.text(cx, sq.y - 4, size, TextAnchor::middle, label);
-  else
-    out.text(cx, sq.y + sq.size + size + 2, size, TextAnchor::middle, label);
+  switch (sideOf(property(node, "boundarySide"))) {
+    case Side::top: out.text(cx, sq.y - 4, size, TextAnchor::middle, label); break;
+    case Side::left: out.text(sq.x, sq.y + sq.size + size + 2, size, TextAnchor::start, label); break;
+    default: out.text(cx, sq.y + sq.size + size + 2, size, TextAnchor::middle, label); break;
+  }
 }
 
 // ---- Context boundary ----
