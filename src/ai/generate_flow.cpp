@@ -95,15 +95,15 @@ struct Current {
   DocumentPlan doc;
   std::unordered_map<std::string, std::size_t> byId;     // plan id -> index
   std::unordered_map<std::string, std::size_t> byLabel;  // label key -> index (first)
-  std::unordered_set<std::string> edgeKeys;              // source doc id, target doc id, plan edge kind
+  std::unordered_set<std::string> edgeKeys;              // source and target doc ids of every edge
 };
 
-std::string edgeKey(std::string_view source, std::string_view target, PlanEdgeKind kind) {
+// Two nodes already joined in one direction need no second edge: the kind
+// an edge was drawn with may not read back as the plan kind it came from.
+std::string edgeKey(std::string_view source, std::string_view target) {
   std::string k(source);
   k += '\n';
   k += target;
-  k += '\n';
-  k += std::to_string(static_cast<int>(kind));
   return k;
 }
 
@@ -114,7 +114,7 @@ Current readCurrent(const core::Document& doc) {
     c.byId.emplace(c.doc.plan.nodes[i].id, i);
     c.byLabel.emplace(labelKey(c.doc.plan.nodes[i].label), i);
   }
-  for (const core::Edge& e : doc.edges()) c.edgeKeys.insert(edgeKey(e.source, e.target, PlanKindOfEdge(e.type)));
+  for (const core::Edge& e : doc.edges()) c.edgeKeys.insert(edgeKey(e.source, e.target));
   return c;
 }
 
@@ -169,7 +169,7 @@ DiagramPlan newPart(const core::Document& doc, const Current& cur, const Diagram
     const auto s = endOf.find(e.source);
     const auto t = endOf.find(e.target);
     if (s == endOf.end() || t == endOf.end() || s->second == t->second) continue;
-    const std::string key = edgeKey(s->second, t->second, e.kind);
+    const std::string key = edgeKey(s->second, t->second);
     if (cur.edgeKeys.count(key) || !seen.insert(key).second) continue;
     delta.edges.push_back(PlanEdge{s->second, t->second, e.kind, e.label});
   }

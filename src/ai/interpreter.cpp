@@ -274,6 +274,13 @@ class Interpreter {
     return t && t->type == TokType::Filler;
   }
   std::optional<PlanNodeKind> headRole(const Run& r) const;
+  std::optional<PlanNodeKind> kindOf(Ref r) const {
+    if (r < 0) return plan_.nodes[static_cast<std::size_t>(-r - 1)].kind;
+    const Run& run = runs_[static_cast<std::size_t>(r)];
+    if (run.kindOverride) return run.kindOverride;
+    if (auto k = headRole(run)) return k;
+    return run.inherited;
+  }
   bool hasInnerCapital(const Run& r) const;
   void subjectsOf(std::size_t vi, Relation& rel, bool& negated) const;
   bool objectsOf(std::size_t vi, Relation& rel);
@@ -429,8 +436,13 @@ void Interpreter::subjectsOf(std::size_t vi, Relation& rel, bool& negated) const
                           t->lower == "she";
     const std::vector<Ref>& subjects = lastSubjects_.empty() ? previousSubjects_ : lastSubjects_;
     const std::vector<Ref>& objects = lastSubjects_.empty() ? previousObjects_ : lastObjects_;
-    if (!singular || subjects.size() == 1) rel.subjects = subjects;
-    else if (objects.size() == 1) rel.subjects = objects;
+    // "it" is not a person: an actor is skipped.
+    const auto thing = [&](const std::vector<Ref>& refs) {
+      return refs.size() == 1 && (!singular || t->lower != "it" || kindOf(refs[0]) != PlanNodeKind::Actor);
+    };
+    if (!singular) rel.subjects = subjects;
+    else if (thing(subjects)) rel.subjects = subjects;
+    else if (thing(objects)) rel.subjects = objects;
     return;
   }
   if (!isRun(e)) return;
