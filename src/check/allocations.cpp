@@ -10,10 +10,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <unordered_set>
 #include <vector>
 
 #include "check/element_categories.h"
+#include "check/first_seen.h"
 #include "check/rules.h"
 
 namespace modelyne::check {
@@ -103,34 +103,38 @@ void checkAllocations(const DiagramIndex& diagram, Findings& findings) {
   if (allocations.empty()) return;
 
   const std::vector<char> cyclic = onCycle(diagram, allocations);
-  std::unordered_set<std::uint64_t> seenPairs;
-  seenPairs.reserve(allocations.size());
+  FirstSeen seenPairs(allocations.size());
 
   for (std::size_t k = 0; k < allocations.size(); ++k) {
     const std::uint32_t i = allocations[k];
     const core::Edge& e = edges[i];
-    const core::Node& source = *diagram.sourceNode(i);
-    const core::Node& target = *diagram.targetNode(i);
+    const core::ShapeType sourceType = diagram.sourceType(i);
+    const core::ShapeType targetType = diagram.targetType(i);
     if (cyclic[k])
       findings.add({"Edge '", e.id,
                     "' participates in a circular «allocate» chain (§14.11.1 — allocations must not "
                     "be circular)."});
     if (diagram.source(i) == diagram.target(i))
-      findings.add({"Edge '", e.id, "' allocates element '", source.id,
+      findings.add({"Edge '", e.id, "' allocates element '", e.source,
                     "' to itself (§14.2 — an allocation relates two distinct model elements)."});
-    if (isRequirement(target.type))
+    if (isRequirement(targetType))
       findings.add({"Edge '", e.id,
                     "' uses «allocate» to a requirement; §14.4.1 requires requirement allocation to "
                     "use «satisfy» / «deriveReqt» / «refine», not «allocate»."});
-    if (allocationCategory(source.type) == AllocationCategory::behavioral &&
-        allocationCategory(target.type) == AllocationCategory::behavioral)
+    if (allocationCategory(sourceType) == AllocationCategory::behavioral &&
+        allocationCategory(targetType) == AllocationCategory::behavioral)
       findings.add({"Edge '", e.id,
                     "' allocates a behavior to another behavior; §14.11.1 flags this as an "
                     "inappropriate allocation (behavior is allocated to structure)."});
     const std::uint64_t pair = (static_cast<std::uint64_t>(diagram.source(i)) << 32) |
                                static_cast<std::uint32_t>(diagram.target(i));
-    if (!seenPairs.insert(pair).second)
-      findings.add({"Edge '", e.id, "' is a redundant allocation: '", source.id, "' → '", target.id,
+    const auto samePair = [&](std::uint32_t other) {
+      const std::uint32_t o = allocations[other];
+      return diagram.source(o) == diagram.source(i) && diagram.target(o) == diagram.target(i);
+    };
+    if (seenPairs.firstOf(pair * 0x9E3779B97F4A7C15ULL, static_cast<std::uint32_t>(k), samePair) !=
+        FirstSeen::kNew)
+      findings.add({"Edge '", e.id, "' is a redundant allocation: '", e.source, "' → '", e.target,
                     "' is already allocated with the same relationship (§14.11.1 — redundant "
                     "allocations should be removed)."});
   }

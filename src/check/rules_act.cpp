@@ -19,9 +19,7 @@ using E = core::EdgeType;
 bool isFlow(const DiagramIndex& diagram, std::uint32_t edge) {
   const E type = diagram.edges()[edge].type;
   if (type != E::sysmlControlFlow && type != E::sysmlObjectFlow && !isGenericLine(type)) return false;
-  const core::Node* s = diagram.sourceNode(edge);
-  const core::Node* t = diagram.targetNode(edge);
-  return !(s && isComment(s->type)) && !(t && isComment(t->type));
+  return !diagram.touchesComment(edge);
 }
 
 struct Degree {
@@ -86,7 +84,7 @@ void checkActivity(const DiagramIndex& diagram, Findings& findings) {
   const auto edges = diagram.edges();
   for (std::size_t i = 0; i < edges.size(); ++i) {
     if (edges[i].type != E::sysmlControlFlow || !diagram.resolved(i)) continue;
-    if (isObjectNode(diagram.sourceNode(i)->type) && isObjectNode(diagram.targetNode(i)->type))
+    if (isObjectNode(diagram.sourceType(i)) && isObjectNode(diagram.targetType(i)))
       findings.add({"Edge '", edges[i].id,
                     "' is a Control Flow but connects two object nodes. Use Object Flow for "
                     "object-token transport (SysML Distilled §6.7.2)."});

@@ -2,6 +2,7 @@
 // association between block-stereotyped elements, and flow specifications.
 
 #include <string>
+#include <vector>
 
 #include "check/element_categories.h"
 #include "check/rules.h"
@@ -26,8 +27,15 @@ bool hasStructuralCompartments(const core::Node& node) {
 
 void checkBlockDefinition(const DiagramIndex& diagram, Findings& findings) {
   using E = core::EdgeType;
-  for (const core::Node& n : diagram.nodes()) {
-    if (blockKind(n) == "flowSpecification" && hasStructuralCompartments(n) &&
+  // Each node's kind, read once: the edge rules below look at both ends of
+  // most edges, and a kind costs a property lookup.
+  const auto nodes = diagram.nodes();
+  std::vector<std::string_view> kinds(nodes.size());
+  for (std::size_t i = 0; i < nodes.size(); ++i) kinds[i] = blockKind(nodes[i]);
+
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const core::Node& n = nodes[i];
+    if (kinds[i] == "flowSpecification" && hasStructuralCompartments(n) &&
         isBlank(property(n, kFlowProperties)))
       findings.add({"Flow specification '", n.id,
                     "' has structural compartments but no flowProperties. A flow specification only "
@@ -41,8 +49,8 @@ void checkBlockDefinition(const DiagramIndex& diagram, Findings& findings) {
         e.type != E::association)
       continue;
     if (!diagram.resolved(i)) continue;
-    const std::string_view sourceKind = blockKind(*diagram.sourceNode(i));
-    const std::string_view targetKind = blockKind(*diagram.targetNode(i));
+    const std::string_view sourceKind = kinds[static_cast<std::size_t>(diagram.source(i))];
+    const std::string_view targetKind = kinds[static_cast<std::size_t>(diagram.target(i))];
     if ((e.type == E::composition || e.type == E::aggregation) &&
         (sourceKind.empty() || targetKind.empty()))
       findings.add({"Edge '", e.id, "' (", e.type == E::composition ? "Composition" : "Aggregation",

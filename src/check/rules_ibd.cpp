@@ -25,7 +25,7 @@ void checkInternalBlock(const DiagramIndex& diagram, Findings& findings) {
     const core::Edge& e = edges[i];
     if ((e.type != E::sysmlItemFlow && e.type != E::sysmlBindingConnector) || !diagram.resolved(i))
       continue;
-    if (isPortLike(diagram.sourceNode(i)->type) && isPortLike(diagram.targetNode(i)->type)) continue;
+    if (isPortLike(diagram.sourceType(i)) && isPortLike(diagram.targetType(i))) continue;
     if (e.type == E::sysmlItemFlow)
       findings.add({"Edge '", e.id,
                     "' is an Item Flow but does not connect two port-like endpoints (a Port, a legacy "

@@ -19,7 +19,7 @@ using E = core::EdgeType;
 bool joinsTopics(const DiagramIndex& diagram, std::size_t edge) {
   const E type = diagram.edges()[edge].type;
   if (type != E::mindmapBranch && !isGenericLine(type)) return false;
-  return !isComment(diagram.sourceNode(edge)->type) && !isComment(diagram.targetNode(edge)->type);
+  return !diagram.touchesComment(edge);
 }
 
 // Nodes reachable from any central topic over branches, in either direction.
@@ -80,8 +80,8 @@ void checkMindMap(const DiagramIndex& diagram, Findings& findings) {
     const core::Edge& e = edges[i];
     if (!diagram.resolved(i)) continue;
     if (e.type == E::mindmapCommentLink) {
-      const bool sourceComment = isComment(diagram.sourceNode(i)->type);
-      const bool targetComment = isComment(diagram.targetNode(i)->type);
+      const bool sourceComment = isComment(diagram.sourceType(i));
+      const bool targetComment = isComment(diagram.targetType(i));
       if (!sourceComment && !targetComment)
         findings.add({"Edge '", e.id,
                       "' is a Comment Link but neither end is a Comment. A comment link attaches one "

@@ -31,8 +31,8 @@ void checkParametric(const DiagramIndex& diagram, Findings& findings) {
   for (std::size_t i = 0; i < edges.size(); ++i) {
     const core::Edge& e = edges[i];
     if (e.type != core::EdgeType::sysmlBindingConnector || !diagram.resolved(i)) continue;
-    const S s = diagram.sourceNode(i)->type;
-    const S t = diagram.targetNode(i)->type;
+    const S s = diagram.sourceType(i);
+    const S t = diagram.targetType(i);
     if (!isBindEndpoint(s))
       findings.add({"Edge '", e.id, "' is a Binding Connector but its source '", e.source,
                     "' is not a parametric bind endpoint (Constraint Parameter or Value Property) "

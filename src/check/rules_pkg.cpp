@@ -2,10 +2,11 @@
 // views and viewpoints, and unique names within a package's namespace.
 
 #include <string>
-#include <unordered_set>
+#include <functional>
 #include <vector>
 
 #include "check/element_categories.h"
+#include "check/first_seen.h"
 #include "check/rules.h"
 #include "check/text.h"
 
@@ -34,22 +35,6 @@ std::vector<std::int32_t> owners(const DiagramIndex& diagram) {
   return owner;
 }
 
-struct NameKey {
-  std::int32_t owner;
-  core::ShapeType type;
-  std::string_view name;
-  bool operator==(const NameKey&) const = default;
-};
-
-struct NameKeyHash {
-  std::size_t operator()(const NameKey& k) const noexcept {
-    std::size_t h = std::hash<std::string_view>{}(k.name);
-    h ^= (static_cast<std::size_t>(static_cast<std::uint32_t>(k.owner)) << 20) +
-         static_cast<std::size_t>(k.type) + 0x9e3779b97f4a7c15ULL + (h << 6) + (h >> 2);
-    return h;
-  }
-};
-
 // A view conforms to a viewpoint through "conformsTo" or a realization edge
 // from the view to a package stereotyped «viewpoint».
 bool realizesViewpoint(const DiagramIndex& diagram, std::int32_t view) {
@@ -71,8 +56,7 @@ void checkPackage(const DiagramIndex& diagram, Findings& findings) {
 
   const auto nodes = diagram.nodes();
   const std::vector<std::int32_t> owner = owners(diagram);
-  std::unordered_set<NameKey, NameKeyHash> names;
-  names.reserve(nodes.size());
+  FirstSeen names(nodes.size());
 
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     const core::Node& n = nodes[i];
@@ -89,7 +73,14 @@ void checkPackage(const DiagramIndex& diagram, Findings& findings) {
     // Unnamed elements and comments have no name to clash; "kind" is the shape type.
     const std::string_view name = trimmed(n.text);
     if (name.empty() || isComment(n.type)) continue;
-    if (!names.insert(NameKey{owner[i], n.type, name}).second)
+    const std::uint64_t key = std::hash<std::string_view>{}(name) ^
+                              (static_cast<std::uint64_t>(static_cast<std::uint32_t>(owner[i])) << 16) ^
+                              static_cast<std::uint64_t>(n.type);
+    const auto sameName = [&](std::uint32_t other) {
+      const core::Node& o = nodes[other];
+      return o.type == n.type && owner[other] == owner[i] && trimmed(o.text) == name;
+    };
+    if (names.firstOf(key, static_cast<std::uint32_t>(i), sameName) != FirstSeen::kNew)
       findings.add({"Element '", name, "' ('", core::shapeKey(n.type),
                     "') duplicates the name of another element of the same kind in its package "
                     "namespace; each element of a given kind must have a unique name within its "
@@ -101,7 +92,7 @@ void checkPackage(const DiagramIndex& diagram, Findings& findings) {
     const core::Edge& e = edges[i];
     if (e.type != E::sysmlContainment && e.type != E::sysmlImport && e.type != E::sysmlAccess) continue;
     if (!diagram.resolved(i)) continue;
-    if (isPackage(diagram.sourceNode(i)->type) && isPackage(diagram.targetNode(i)->type)) continue;
+    if (isPackage(diagram.sourceType(i)) && isPackage(diagram.targetType(i))) continue;
     if (e.type == E::sysmlContainment)
       findings.add({"Edge '", e.id, "' (Containment) must connect two packages (SysML Distilled §9.3)."});
     else

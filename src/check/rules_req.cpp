@@ -2,9 +2,11 @@
 // ends of satisfy, verify, refine, trace, deriveReqt and copy.
 
 #include <string>
-#include <unordered_map>
+#include <functional>
+#include <vector>
 
 #include "check/element_categories.h"
+#include "check/first_seen.h"
 #include "check/rules.h"
 #include "check/text.h"
 
@@ -15,18 +17,24 @@ void checkRequirement(const DiagramIndex& diagram, Findings& findings) {
   static const std::string kReqId = "reqId";
   static const std::string kRequirementText = "requirementText";
 
-  // reqId (trimmed) -> id of the first requirement that used it.
-  std::unordered_map<std::string_view, std::string_view> firstUse;
-  for (const core::Node& n : diagram.nodes()) {
+  // The first requirement, in document order, that used each reqId (trimmed).
+  const auto nodes = diagram.nodes();
+  std::vector<std::string_view> reqIds(nodes.size());
+  FirstSeen firstUse(64);
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const core::Node& n = nodes[i];
     if (!isRequirement(n.type)) continue;
-    const std::string_view reqId = trimmed(property(n, kReqId));
+    const std::string_view reqId = reqIds[i] = trimmed(property(n, kReqId));
     if (reqId.empty()) {
       findings.add({"Requirement '", n.id,
                     "' has no `reqId`. Every requirement needs a unique identifier (SysML Distilled "
                     "§11.2)."});
-    } else if (const auto [it, fresh] = firstUse.try_emplace(reqId, n.id); !fresh) {
+    } else if (const std::uint32_t first =
+                   firstUse.firstOf(std::hash<std::string_view>{}(reqId), static_cast<std::uint32_t>(i),
+                                    [&](std::uint32_t other) { return reqIds[other] == reqId; });
+               first != FirstSeen::kNew) {
       findings.add({"Requirement '", n.id, "' duplicates reqId '", reqId, "' already used by '",
-                    it->second, "' (SysML Distilled §11.2)."});
+                    nodes[first].id, "' (SysML Distilled §11.2)."});
     }
     if (isBlank(property(n, kRequirementText)))
       findings.add({"Requirement '", n.id,
@@ -38,8 +46,8 @@ void checkRequirement(const DiagramIndex& diagram, Findings& findings) {
   for (std::size_t i = 0; i < edges.size(); ++i) {
     if (!diagram.resolved(i)) continue;
     const core::Edge& e = edges[i];
-    const bool sourceIsReq = isRequirement(diagram.sourceNode(i)->type);
-    const bool targetIsReq = isRequirement(diagram.targetNode(i)->type);
+    const bool sourceIsReq = isRequirement(diagram.sourceType(i));
+    const bool targetIsReq = isRequirement(diagram.targetType(i));
     switch (e.type) {
       case E::sysmlSatisfy:
         if (!targetIsReq)

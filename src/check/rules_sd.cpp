@@ -119,8 +119,8 @@ void checkSequence(const DiagramIndex& diagram, Findings& findings) {
     const core::Edge& e = edges[i];
     const std::string_view kind = messageKind(e.type);
     if (kind.empty() || !diagram.resolved(i)) continue;
-    const S s = diagram.sourceNode(i)->type;
-    const S t = diagram.targetNode(i)->type;
+    const S s = diagram.sourceType(i);
+    const S t = diagram.targetType(i);
     if (e.type == E::sysmlFoundMessage) {
       if (!isLifelineOrExecution(t))
         findings.add({"Edge '", e.id,

@@ -20,9 +20,7 @@ using E = core::EdgeType;
 bool isTransition(const DiagramIndex& diagram, std::uint32_t edge) {
   const E type = diagram.edges()[edge].type;
   if (type != E::sysmlTransition && !isGenericLine(type)) return false;
-  const core::Node* s = diagram.sourceNode(edge);
-  const core::Node* t = diagram.targetNode(edge);
-  return !(s && isComment(s->type)) && !(t && isComment(t->type));
+  return !diagram.touchesComment(edge);
 }
 
 enum class Vertex { other, initial, final, junction, choice, fork, join, terminate, history, submachine };
@@ -42,7 +40,7 @@ Degree transitionDegree(const DiagramIndex& diagram, std::int32_t node) {
 // The generic diamond is a choice unless its "pseudoKind" says junction; the
 // generic bar is what its "forkOrJoin" says, else a join when two or more
 // transitions enter it and a fork otherwise.
-Vertex vertexOf(const core::Node& n, const Degree& d) {
+Vertex vertexOf(const core::Node& n, const DiagramIndex& diagram, std::int32_t index) {
   static const std::string kPseudoKind = "pseudoKind";
   static const std::string kForkOrJoin = "forkOrJoin";
   switch (n.type) {
@@ -62,7 +60,7 @@ Vertex vertexOf(const core::Node& n, const Degree& d) {
       const std::string mode = keyword(property(n, kForkOrJoin));
       if (mode == "fork") return Vertex::fork;
       if (mode == "join") return Vertex::join;
-      return d.in >= 2 ? Vertex::join : Vertex::fork;
+      return transitionDegree(diagram, index).in >= 2 ? Vertex::join : Vertex::fork;
     }
     default: return Vertex::other;
   }
@@ -90,8 +88,10 @@ bool hasElseBranch(const DiagramIndex& diagram, std::int32_t node) {
 void checkVertex(const DiagramIndex& diagram, std::int32_t index, Findings& findings) {
   static const std::string kSubmachine = "submachine";
   const core::Node& n = diagram.nodes()[static_cast<std::size_t>(index)];
+  const Vertex vertex = vertexOf(n, diagram, index);
+  if (vertex == Vertex::other) return;
   const Degree d = transitionDegree(diagram, index);
-  switch (vertexOf(n, d)) {
+  switch (vertex) {
     case Vertex::initial:
       if (d.in > 0)
         findings.add({"Initial pseudostate '", n.id,
@@ -186,10 +186,10 @@ void checkStateMachine(const DiagramIndex& diagram, Findings& findings) {
     const core::Edge& e = edges[i];
     if (e.type != E::sysmlTransition) continue;
     if (diagram.resolved(i)) {
-      if (!isStateVertex(diagram.sourceNode(i)->type))
+      if (!isStateVertex(diagram.sourceType(i)))
         findings.add({"Edge '", e.id, "' is a SysML transition whose source '", e.source,
                       "' is not a state-machine vertex (SysML Distilled §8.5)."});
-      if (!isStateVertex(diagram.targetNode(i)->type))
+      if (!isStateVertex(diagram.targetType(i)))
         findings.add({"Edge '", e.id, "' is a SysML transition whose target '", e.target,
                       "' is not a state-machine vertex (SysML Distilled §8.5)."});
     }

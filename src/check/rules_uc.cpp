@@ -21,8 +21,8 @@ void checkUseCase(const DiagramIndex& diagram, Findings& findings) {
   for (std::size_t i = 0; i < edges.size(); ++i) {
     if (!diagram.resolved(i)) continue;
     const core::Edge& e = edges[i];
-    const core::ShapeType s = diagram.sourceNode(i)->type;
-    const core::ShapeType t = diagram.targetNode(i)->type;
+    const core::ShapeType s = diagram.sourceType(i);
+    const core::ShapeType t = diagram.targetType(i);
     const bool actorToUseCase = (isActor(s) && isUseCase(t)) || (isUseCase(s) && isActor(t));
 
     if ((e.type == E::composition || e.type == E::aggregation) && actorToUseCase)
