@@ -196,11 +196,12 @@ class Reader {
   void classify() {
     roles_.resize(nodes_.size(), Role::none);
     holderOf_.assign(nodes_.size(), -1);
+    if (!edges_.empty()) byId_.reserve(nodes_.size());
     for (std::size_t i = 0; i < nodes_.size(); ++i) {
       const Node& n = nodes_[i];
       const Role role = roleOf(n.type);
       roles_[i] = role;
-      byId_.emplace(n.id, i);
+      if (!edges_.empty()) byId_.emplace(n.id, i);  // only edges name nodes by id
       if (role == Role::constraint || role == Role::definition) {
         Holder h;
         h.node = i;
