@@ -1,2 +1,6 @@
 # modelyne_fuzzer(fuzz_<name> SOURCES <name>.cpp LIBS <libraries>)
 modelyne_fuzzer(fuzz_explain_csv SOURCES explain_csv.cpp LIBS modelyne_explain)
+modelyne_fuzzer(fuzz_expression SOURCES expression.cpp LIBS modelyne_sim)
+modelyne_fuzzer(fuzz_check_rules SOURCES check_rules.cpp LIBS modelyne_check)
+modelyne_fuzzer(fuzz_plan_parse SOURCES plan_parse.cpp LIBS modelyne_ai)
+modelyne_fuzzer(fuzz_interpret_text SOURCES interpret_text.cpp LIBS modelyne_ai)
