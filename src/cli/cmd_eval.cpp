@@ -84,9 +84,11 @@ int evalExpression(const Args& args, const std::string& text) {
   std::vector<std::string> missing;
   try {
     result = par::EvaluateExpression(text, table);
-    if (result.unresolved)
-      for (const std::string& name : par::CompiledExpression::compile(text).variables())
+    if (result.unresolved) {
+      const par::CompiledExpression compiled = par::CompiledExpression::compile(text);
+      for (const std::string& name : compiled.variables())
         if (!table.contains(name)) missing.push_back(name);
+    }
   } catch (const par::ParseError& e) {
     throw CliError(e.what());
   } catch (const std::out_of_range&) {

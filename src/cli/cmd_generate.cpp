@@ -1,5 +1,6 @@
 // modelyne generate: a plain-language description turned into a model file
 // (or into plan text) by the AI Generate flow.
+#include <algorithm>
 #include <array>
 
 #include "ai/activity.h"
@@ -37,29 +38,48 @@ constexpr std::string_view kHelp =
     "  modelyne generate 'The drone contains a battery and a motor.' -o drone.xml\n"
     "  echo 'Step-by-step: order, pay, ship.' | modelyne generate --kind act --plan\n";
 
-constexpr std::string_view kNoEntities = "AI Generate: no named entities found.";
+// Texts of the AI Generate flow that the plan-only path repeats, so that
+// both paths log alike.
+constexpr std::string_view kNoEntities =
+    "AI Generate: no named entities found. Name components such as System, Subsystem, Component, "
+    "Interface, Actor.";
+constexpr std::string_view kCloudNotConfigured = "Cloud AI is not configured; using deterministic fallback.";
 
-// The tool has no cloud AI client; the flow then takes its offline path and
-// says so in its log.
+// The tool has no cloud AI client yet; the cloud backend then takes the
+// offline path and says so.
 ai::CloudCall cloudClient() { return {}; }
 
 bool isBlank(std::string_view s) {
   return s.find_first_not_of(" \t\r\n\v\f") == std::string_view::npos;
 }
 
+void logKey(std::string_view key, std::string_view arg = {}) {
+  std::string text(ai::EnglishText(key));
+  if (const auto at = text.find("%s"); at != std::string::npos) text.replace(at, 2, arg);
+  diagnostic(text);
+}
+
+// Steps 4 to 6 of the flow without a document: the plan itself.
 int generatePlan(const std::string& prompt, const std::string& backend,
                  const std::optional<std::string>& out) {
   const ai::CloudCall cloud = backend == "cloud" ? cloudClient() : ai::CloudCall{};
+  logKey(ai::kKeyRunning, backend);
+  if (backend == "cloud" && !cloud) diagnostic(kCloudNotConfigured);
+  if (!cloud) logKey(ai::kKeyOfflineHint);
+
   ai::DiagramPlan plan;
   std::string log;
   const bool fromCloud = cloud && ai::GeneratePlanWithCloud(prompt, nullptr, plan, log, cloud);
+  for (std::size_t start = 0; start < log.size();) {
+    const std::size_t eol = std::min(log.find('\n', start), log.size());
+    if (eol > start) diagnostic(log.substr(start, eol - start));
+    start = eol + 1;
+  }
   if (!fromCloud) plan = ai::InterpretText(prompt);
   ai::NormalizeActivityPlan(prompt, plan);
-  if (!log.empty()) diagnostic(log.back() == '\n' ? log.substr(0, log.size() - 1) : log);
   if (!plan.notes.empty()) diagnostic(plan.notes);
   if (plan.nodes.empty()) {
-    diagnostic(std::string(kNoEntities) +
-               " Name components such as System, Subsystem, Component, Interface, Actor.");
+    diagnostic(kNoEntities);
     return kExitNegative;
   }
   writeResult(out, ai::WritePlan(plan));
@@ -73,7 +93,6 @@ int run(const Args& args) {
     throw CliError("unknown backend '" + backend + "' (backends: offline, cloud)");
   const std::string prompt = textArgument(args.positionals);
   if (isBlank(prompt)) throw CliError("the description is empty");
-  if (backend == "cloud" && !cloudClient()) diagnostic("modelyne: no cloud AI is configured");
 
   if (args.has("--plan")) return generatePlan(prompt, backend, args.value("--output"));
 
@@ -86,13 +105,9 @@ int run(const Args& args) {
   request.backend = backend;
   request.cloud = backend == "cloud" ? cloudClient() : ai::CloudCall{};
   const ai::GenerateResult result = ai::RunAiGenerate(request);
-  bool noEntities = false;
-  for (const ai::LogEntry& entry : result.log) {
-    diagnostic(entry.text);
-    if (entry.text.starts_with(kNoEntities)) noEntities = true;
-  }
+  for (const ai::LogEntry& entry : result.log) diagnostic(entry.text);
   if (!result.applied) {
-    if (noEntities) return kExitNegative;
+    if (!result.log.empty() && result.log.back().text == kNoEntities) return kExitNegative;
     throw CliError("nothing was generated");
   }
   writeResult(args.value("--output"), io::serializeDocument(doc));

@@ -90,8 +90,9 @@ int dispatch(std::span<const std::string> args) {
 
 std::span<const Command* const> allCommands() {
   static const std::array table = {
-      &checkCommand(), &assessCommand(), &explainCommand(), &evalCommand(),
-      &infoCommand(),  &formatCommand(),
+      &checkCommand(),    &assessCommand(), &explainCommand(), &exportCommand(),
+      &generateCommand(), &planCommand(),   &promptCommand(),  &evalCommand(),
+      &infoCommand(),     &formatCommand(),
   };
   return table;
 }
