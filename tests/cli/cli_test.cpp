@@ -3,6 +3,7 @@
 // cover the logic behind each command.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -256,6 +257,160 @@ TEST(CliInfo, ProjectWrapperModelsAndModelSelection) {
                              "</modelyneProject>\n";
   r = runTool({"info", "-"}, broken);
   EXPECT_TRUE(r.err.starts_with("modelyne: error: <stdin>:19: ")) << r.err;
+}
+
+// Every shipped sample reads, checks, reports and formats; the parametric
+// one propagates to the hand-computed stopping distance.
+TEST(CliSamples, EverySampleWorksWithEveryReader) {
+  std::size_t count = 0;
+  for (const auto& entry : fs::directory_iterator(kSamples)) {
+    if (entry.path().extension() != ".xml") continue;
+    ++count;
+    const std::string file = entry.path().string();
+    SCOPED_TRACE(file);
+    const ToolRun check = runTool({"check", file});
+    EXPECT_TRUE(check.exitCode == 0 || check.exitCode == 1) << check.err;
+    EXPECT_EQ(check.exitCode == 1, !check.out.empty());
+    EXPECT_EQ(check.err, "");
+    for (const char* command : {"info", "assess", "explain"}) {
+      const ToolRun r = runTool({command, file});
+      EXPECT_EQ(r.exitCode, 0) << command << ": " << r.err;
+      EXPECT_FALSE(r.out.empty()) << command;
+    }
+    const ToolRun formatted = runTool({"format", file});
+    EXPECT_EQ(formatted.exitCode, 0) << formatted.err;
+    EXPECT_EQ(runTool({"format", "-"}, formatted.out).out, formatted.out);
+  }
+  EXPECT_GE(count, 10u);
+
+  // v = 100 km/h, reaction 1.2 s, friction 0.7, g 9.81:
+  // 1.2 * v + v^2 / (2 * 0.7 * 9.81) = 33.333... + 56.182... metres.
+  const std::string par = (kSamples / "par-stopping-distance.xml").string();
+  ToolRun r = runTool({"eval", par});
+  EXPECT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_NE(r.out.find("\nstoppingDistance = 89.51543164930865\n"), std::string::npos) << r.out;
+  const ToolRun traced = runTool({"eval", par, "--trace"});
+  EXPECT_TRUE(traced.out.starts_with(r.out));
+  EXPECT_NE(traced.out.find(" converged \"\" 0 1e-09 1\n"), std::string::npos) << traced.out;
+  EXPECT_EQ(runTool({"eval", par, "--var", "x=1"}).exitCode, 2);
+}
+
+std::uint32_t pngWidth(const std::string& png) {
+  // The IHDR chunk's width, big-endian, right after the 8-byte signature and
+  // the chunk's length and type.
+  std::uint32_t w = 0;
+  for (int i = 16; i < 20; ++i) w = (w << 8) | static_cast<unsigned char>(png[static_cast<std::size_t>(i)]);
+  return w;
+}
+
+TEST(CliExport, FormatFollowsTheExtensionWithoutADisplay) {
+  const fs::path dir = scratchDir("export");
+  const std::string sample = (kSamples / "bdd-vehicle.xml").string();
+  for (const char* out : {"d.svg", "d.png", "d.jpg", "d.JPEG", "d.pdf"}) {
+    const ToolRun r = runTool({"export", sample, "-o", out}, {}, dir);
+    EXPECT_EQ(r.exitCode, 0) << out << ": " << r.err;
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err, "") << out;
+  }
+  EXPECT_TRUE(readText(dir / "d.svg").starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg "));
+  EXPECT_TRUE(readText(dir / "d.png").starts_with("\x89PNG\r\n\x1a\n"));
+  EXPECT_TRUE(readText(dir / "d.jpg").starts_with("\xFF\xD8\xFF"));
+  EXPECT_EQ(readText(dir / "d.JPEG"), readText(dir / "d.jpg"));
+  EXPECT_TRUE(readText(dir / "d.pdf").starts_with("%PDF-1.4"));
+
+  // Scale doubles the picture; the margin widens it; the page can be left out of SVG.
+  ASSERT_EQ(runTool({"export", sample, "-o", "d2.png", "--scale", "2"}, {}, dir).exitCode, 0);
+  EXPECT_EQ(pngWidth(readText(dir / "d2.png")), 2 * pngWidth(readText(dir / "d.png")));
+  ASSERT_EQ(runTool({"export", sample, "-o", "m.png", "--margin", "34"}, {}, dir).exitCode, 0);
+  EXPECT_EQ(pngWidth(readText(dir / "m.png")), pngWidth(readText(dir / "d.png")) + 20);
+  ASSERT_EQ(runTool({"export", sample, "-o", "nb.svg", "--no-background"}, {}, dir).exitCode, 0);
+  EXPECT_NE(readText(dir / "d.svg").find("fill=\"#FFFFFF\"/>\n"), std::string::npos);
+  EXPECT_EQ(readText(dir / "nb.svg").find("fill=\"#FFFFFF\"/>\n"), std::string::npos);
+
+  // Refusals write nothing.
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"-o", "d.gif"}, {"-o", "x.png", "--scale", "0"}, {"-o", "x.png", "--margin", "-1"},
+        {"-o", "x.svg", "--scale", "2"}, {}}) {
+    std::vector<std::string> all{"export", sample};
+    all.insert(all.end(), args.begin(), args.end());
+    const ToolRun r = runTool(all, {}, dir);
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_TRUE(isOneErrorLine(r.err)) << r.err;
+  }
+  EXPECT_FALSE(fs::exists(dir / "d.gif"));
+  EXPECT_FALSE(fs::exists(dir / "x.png"));
+  EXPECT_FALSE(fs::exists(dir / "x.svg"));
+}
+
+TEST(CliPlan, CanonicalPlanTextAndNotes) {
+  const ToolRun r = runTool({"plan"},
+                            "Sure, here it is:\nTITLE|Pumps\nnode|a|actor|\nNODE|b|foo|B\n"
+                            "EDGE|a|b|control flow|go\nEDGE|a|zz|flow\n");
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_EQ(r.out, "TITLE|Pumps\nNODE|a|Actor|a\nNODE|b|Block|B\nEDGE|a|b|Flow|go\n");
+  EXPECT_EQ(r.err, "Parsed 2 nodes and 1 edges.\n");
+
+  const ToolRun none = runTool({"plan", "-"}, "no plan here\n");
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_EQ(none.out, "");
+}
+
+TEST(CliGenerate, ModelOrPlanFromADescription) {
+  const std::string text = "The drone contains a battery and a motor.";
+  const ToolRun plan = runTool({"generate", text, "--plan"});
+  ASSERT_EQ(plan.exitCode, 0) << plan.err;
+  EXPECT_TRUE(plan.out.starts_with("TITLE|The drone contains a battery and a motor\nNODE|n1|")) << plan.out;
+  EXPECT_NE(plan.err.find("Parsed "), std::string::npos) << plan.err;
+  // The plan reads back unchanged.
+  EXPECT_EQ(runTool({"plan", "-"}, plan.out).out, plan.out);
+
+  // The model carries the kind in its frame and one node per plan node.
+  const ToolRun model = runTool({"generate", "--kind", "ibd", "-"}, text + "\n");
+  ASSERT_EQ(model.exitCode, 0) << model.err;
+  EXPECT_NE(model.out.find("<DiagramFrame kind=\"ibd\""), std::string::npos) << model.out;
+  std::size_t planNodes = 0;
+  for (std::size_t at = plan.out.find("\nNODE|"); at != std::string::npos; at = plan.out.find("\nNODE|", at + 1))
+    ++planNodes;
+  const ToolRun info = runTool({"info", "-"}, model.out);
+  EXPECT_NE(info.out.find("  nodes: " + std::to_string(planNodes) + "\n"), std::string::npos) << info.out;
+
+  // The cloud backend falls back to the offline interpreter, and says so.
+  const ToolRun cloud = runTool({"generate", text, "--backend", "cloud"});
+  EXPECT_EQ(cloud.exitCode, 0);
+  EXPECT_EQ(cloud.out, runTool({"generate", text}).out);
+  EXPECT_NE(cloud.err.find("Cloud AI is not configured; using deterministic fallback.\n"), std::string::npos)
+      << cloud.err;
+
+  const ToolRun nothing = runTool({"generate", "the and of", "--plan"});
+  EXPECT_EQ(nothing.exitCode, 1);
+  EXPECT_EQ(nothing.out, "");
+  EXPECT_TRUE(nothing.err.ends_with(
+      "AI Generate: no named entities found. Name components such as System, Subsystem, Component, "
+      "Interface, Actor.\n"))
+      << nothing.err;
+  EXPECT_EQ(runTool({"generate", "the and of"}).exitCode, 1);
+  EXPECT_EQ(runTool({"generate", "  "}).exitCode, 2);
+  EXPECT_EQ(runTool({"generate", text, "--backend", "psychic"}).exitCode, 2);
+}
+
+TEST(CliPrompt, GenerateAndRefinePrompts) {
+  const ToolRun gen = runTool({"prompt", "generate", "A", "pump"});
+  EXPECT_EQ(gen.exitCode, 0);
+  EXPECT_TRUE(gen.out.starts_with("You are Modelyne diagram model generator.\n"
+                                  "Convert the user's system description into a diagram plan.\n"));
+  EXPECT_TRUE(gen.out.ends_with("User prompt:\nA pump\n")) << gen.out;
+
+  const ToolRun refine = runTool({"prompt", "refine", "-", "add a tank"}, "NODE|n1|block|Pump\n");
+  EXPECT_EQ(refine.exitCode, 0) << refine.err;
+  EXPECT_TRUE(refine.out.ends_with("CURRENT MODEL:\nNODE|n1|Block|Pump\nUser refinement request:\nadd a tank\n"))
+      << refine.out;
+
+  // A model file stands for its diagram as a plan.
+  const ToolRun fromModel = runTool({"prompt", "refine", "-", "more"}, kBddXml);
+  EXPECT_NE(fromModel.out.find("CURRENT MODEL:\nNODE|n1|Block|Drone\n"), std::string::npos) << fromModel.out;
+
+  EXPECT_EQ(runTool({"prompt", "refine", "-", "x"}, "no plan\n").exitCode, 2);
+  EXPECT_EQ(runTool({"prompt", "summarise", "x"}).exitCode, 2);
 }
 
 }  // namespace
