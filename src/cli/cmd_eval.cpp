@@ -41,7 +41,7 @@ constexpr std::string_view kHelp =
     "\n"
     "examples:\n"
     "  modelyne eval 'mass * g' --var mass=1500 --var g=9.81\n"
-    "  modelyne eval samples/parametric.xml --trace\n";
+    "  modelyne eval samples/par-stopping-distance.xml --trace\n";
 
 // The names the trace events go by, indexed by code - 1.
 constexpr std::array<std::string_view, 6> kTraceNames{

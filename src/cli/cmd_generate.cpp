@@ -36,7 +36,7 @@ constexpr std::string_view kHelp =
     "\n"
     "examples:\n"
     "  modelyne generate 'The drone contains a battery and a motor.' -o drone.xml\n"
-    "  echo 'Step-by-step: order, pay, ship.' | modelyne generate --kind act --plan\n";
+    "  echo 'The order task flows to the packing task.' | modelyne generate --kind act --plan\n";
 
 // Texts of the AI Generate flow that the plan-only path repeats, so that
 // both paths log alike.
