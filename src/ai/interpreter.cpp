@@ -39,6 +39,9 @@ constexpr std::string_view kQuantityWords[] = {"one", "two", "three", "four", "f
                                                "nine", "ten", "eleven", "twelve", "several", "multiple", "many",
                                                "few", "various", "numerous", "all"};
 
+// Longest list of subjects or objects of one verb that becomes edges.
+constexpr std::size_t kMaxListItems = 64;
+
 template <std::size_t N>
 bool inList(const std::string_view (&list)[N], std::string_view w) noexcept {
   for (std::string_view x : list)
@@ -296,6 +299,7 @@ class Interpreter {
   std::vector<Token> tokens_;
   std::vector<Run> runs_;
   std::vector<Elem> elems_;
+  std::size_t firstRunElem_ = 0;   // element index of the sentence's first run
   std::vector<Ref> lastSubjects_;  // of the last relation, within the sentence
   std::vector<Ref> lastObjects_;
   std::vector<Ref> previousSubjects_;  // of the sentence before, as node references
@@ -307,6 +311,15 @@ void Interpreter::buildElements() {
   elems_.clear();
   std::size_t i = 0;
   const std::size_t n = tokens_.size();
+  // The last ')' bounds every search for a closing one, so that many
+  // unmatched '(' cost one pass, not one pass each.
+  std::size_t lastClose = 0;
+  bool anyClose = false;
+  for (std::size_t k = 0; k < n; ++k)
+    if (tokens_[k].type == TokType::Sep && tokens_[k].sep == ')') {
+      lastClose = k;
+      anyClose = true;
+    }
   while (i < n) {
     const Token& t = tokens_[i];
     if (t.type == TokType::Word) {
@@ -341,7 +354,7 @@ void Interpreter::buildElements() {
       ++i;
       continue;
     }
-    if (t.type == TokType::Sep && t.sep == '(') {
+    if (t.type == TokType::Sep && t.sep == '(' && anyClose && lastClose > i) {
       // A parenthetical aside ("(ECU)") is skipped; it still ends the run.
       std::size_t close = i + 1;
       while (close < n && !(tokens_[close].type == TokType::Sep && tokens_[close].sep == ')')) ++close;
@@ -421,11 +434,7 @@ void Interpreter::subjectsOf(std::size_t vi, Relation& rel, bool& negated) const
     if (!lastSubjects_.empty()) {
       rel.subjects = lastSubjects_;
     } else {
-      for (std::size_t k = 0; k < e; ++k)
-        if (isRun(k)) {
-          rel.subjects.push_back(static_cast<Ref>(elems_[k].index));
-          break;
-        }
+      if (firstRunElem_ < e) rel.subjects.push_back(static_cast<Ref>(elems_[firstRunElem_].index));
     }
     return;
   }
@@ -589,6 +598,12 @@ int Interpreter::entityFor(std::size_t runIndex) {
 void Interpreter::sentence(std::string_view s) {
   tokenize(tables_, s, tokens_);
   buildElements();
+  firstRunElem_ = elems_.size();
+  for (std::size_t k = 0; k < elems_.size(); ++k)
+    if (isRun(k)) {
+      firstRunElem_ = k;
+      break;
+    }
   lastSubjects_.clear();
   lastObjects_.clear();
 
@@ -619,7 +634,11 @@ void Interpreter::sentence(std::string_view s) {
     rel.kind = t->verb->kind;
     bool negated = false;
     subjectsOf(vi, rel, negated);
-    if (!objectsOf(vi, rel) || negated || rel.subjects.empty()) {
+    const bool hasObjects = objectsOf(vi, rel);
+    // No real enumeration is longer; the cap keeps edges linear in the text.
+    if (rel.subjects.size() > kMaxListItems) rel.subjects.resize(kMaxListItems);
+    if (rel.objects.size() > kMaxListItems) rel.objects.resize(kMaxListItems);
+    if (!hasObjects || negated || rel.subjects.empty()) {
       if (!rel.subjects.empty()) lastSubjects_ = rel.subjects;
       continue;
     }
