@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "sim/compiled_expression.h"
@@ -23,7 +24,7 @@ namespace {
 enum class Outcome { value, parseError, invalidArgument, outOfRange };
 
 template <class F>
-Outcome attempt(F&& f, const char*& message) {
+Outcome attempt(F&& f, std::string& message) {
   try {
     f();
     return Outcome::value;
@@ -49,15 +50,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
 
   Evaluation direct;
-  const char* directMessage = nullptr;
+  std::string directMessage;
   const Outcome d = attempt([&] { direct = EvaluateExpression(text, table); }, directMessage);
 
   Evaluation compiled;
-  const char* compiledMessage = nullptr;
+  std::string compiledMessage;
   const Outcome c = attempt([&] { compiled = CompiledExpression::compile(text).evaluate(table); }, compiledMessage);
 
   if (d != c) std::abort();
-  if (d == Outcome::parseError && std::strcmp(directMessage, compiledMessage) != 0) std::abort();
+  if (d == Outcome::parseError && directMessage != compiledMessage) std::abort();
   if (d == Outcome::value && (!same(direct.value, compiled.value) || direct.unresolved != compiled.unresolved))
     std::abort();
   return 0;
