@@ -8,7 +8,7 @@
 namespace modelyne::cli {
 
 /// A JSON string literal: quotes, backslashes and control characters
-/// escaped, other bytes (UTF-8) copied.
+/// escaped, UTF-8 copied, bytes that are not UTF-8 as U+FFFD.
 std::string jsonString(std::string_view s);
 
 /// An array of strings, one element per line, ending in a line feed;

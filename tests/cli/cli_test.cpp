@@ -111,6 +111,13 @@ TEST(CliCheck, FindingsAsTextOrJsonFromFileOrStdin) {
       << mm.out;
 
   EXPECT_EQ(runTool({"check", "-", "--format", "xml"}, kBddXml).exitCode, 2);
+
+  // JSON stays valid for ids with quotes and bytes that are not UTF-8.
+  const std::string oddId =
+      "<diagram xmlns=\"modelyne:diagram\"><node id=\"r&quot;\xE9\xC3\xA9\" type=\"rect\"/>"
+      "<DiagramFrame kind=\"bdd\"/></diagram>";
+  EXPECT_EQ(runTool({"check", "-", "--format", "json"}, oddId).out,
+            "[\n  \"Node 'r\\\"\\ufffd\xC3\xA9' (type=rect) not allowed on Block Definition Diagram\"\n]\n");
 }
 
 TEST(CliErrors, FaultsNameTheFileAndLine) {
