@@ -44,12 +44,12 @@ std::vector<core::DataIntegrationLink> linksIn(std::string_view text) {
 
 }  // namespace
 
-bool hasDataIntegrationBlock(std::string_view xml) { return xml.find(kOpen) != std::string_view::npos; }
+bool hasDataIntegrationBlock(std::string_view xml) { return detail::findText(xml, kOpen) != std::string_view::npos; }
 
 std::vector<core::DataIntegrationLink> parseDataIntegration(std::string_view xml) {
-  const std::size_t open = xml.find(kOpen);
+  const std::size_t open = detail::findText(xml, kOpen);
   if (open == std::string_view::npos) return {};
-  const std::size_t end = xml.find(kEnd, open);
+  const std::size_t end = detail::findText(xml, kEnd, open);
   return linksIn(xml.substr(open, end == std::string_view::npos ? std::string_view::npos : end - open));
 }
 
@@ -74,11 +74,11 @@ std::string dataIntegrationBlock(std::span<const core::DataIntegrationLink> link
 }
 
 void insertDataIntegrationBlock(std::string& xml, std::span<const core::DataIntegrationLink> links) {
-  const std::size_t open = xml.find(kOpen);
+  const std::size_t open = detail::findText(xml, kOpen);
   if (open != std::string::npos) {
     std::size_t begin = open;
     std::size_t end;
-    const std::size_t close = xml.find(kEnd, open);
+    const std::size_t close = detail::findText(xml, kEnd, open);
     if (close != std::string::npos) {
       end = close + kEnd.size();
     } else {

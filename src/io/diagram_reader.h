@@ -47,8 +47,10 @@ std::optional<DiagramContent> readDiagram(std::string_view xml, ReadError* error
 /// clears its history.
 void applyDiagram(DiagramContent&& content, core::Document& doc);
 
-/// readDiagram + applyDiagram; on failure `doc` keeps its content and
-/// history and `error` says what and where.
-bool parseDiagramInto(std::string_view xml, core::Document& doc, ReadError* error = nullptr);
+/// readDiagram + applyDiagram in one pass; on failure `doc` keeps its
+/// content and history and `error` says what and where. Skipped elements
+/// are described in `warnings` when given.
+bool parseDiagramInto(std::string_view xml, core::Document& doc, ReadError* error = nullptr,
+                      std::vector<std::string>* warnings = nullptr);
 
 }  // namespace modelyne::io

@@ -26,7 +26,7 @@ std::string diagramFrameLine(const core::DiagramFrame& f) {
 }
 
 bool parseDiagramFrame(std::string_view xml, core::DiagramFrame& frame) {
-  const std::size_t at = xml.find(kFrameTag);
+  const std::size_t at = detail::findText(xml, kFrameTag);
   if (at == std::string_view::npos) return false;
   const std::size_t gt = xml.find('>', at);
   const std::string_view tag = xml.substr(at, gt == std::string_view::npos ? std::string_view::npos : gt - at + 1);
@@ -46,7 +46,7 @@ bool parseDiagramFrame(std::string_view xml, core::DiagramFrame& frame) {
 }
 
 void insertDiagramFrame(std::string& xml, const core::DiagramFrame& frame) {
-  const std::size_t at = xml.find(kFrameTag);
+  const std::size_t at = detail::findText(xml, kFrameTag);
   if (at != std::string::npos) {
     const std::size_t gt = xml.find('>', at);
     std::size_t begin = at;

@@ -1,6 +1,7 @@
 #include "io/number_format.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <system_error>
@@ -20,6 +21,15 @@ bool isHexDigit(char c) noexcept {
 }  // namespace
 
 void appendFloat(std::string& out, float value) {
+  // Whole numbers below a million print as plain integers under "%g"; most
+  // geometry is such, and this path avoids the general formatter.
+  if (value > -1e6f && value < 1e6f && value == static_cast<float>(static_cast<std::int32_t>(value)) &&
+      !(value == 0.0f && std::signbit(value))) {
+    char buf[12];
+    const auto res = std::to_chars(buf, buf + sizeof buf, static_cast<std::int32_t>(value));
+    out.append(buf, res.ptr);
+    return;
+  }
   // to_chars with a precision formats as printf("%.6g") would, which is what
   // a default-configured ostream does for a float.
   char buf[32];
@@ -43,6 +53,19 @@ NumberStatus parseFloat(std::string_view text, float& out) noexcept {
     ++p;
   }
   if (p == end || *p == '+' || *p == '-') return NumberStatus::invalid;
+  // Short runs of digits (most geometry) are exact as integers: up to seven
+  // digits stay below 2^24, where every integer is a float.
+  {
+    const char* q = p;
+    std::int32_t whole = 0;
+    while (q != end && q - p < 8 && *q >= '0' && *q <= '9') whole = whole * 10 + (*q++ - '0');
+    const bool more = q != end && ((*q >= '0' && *q <= '9') || *q == '.' || *q == 'e' || *q == 'E' || *q == 'x' ||
+                                   *q == 'X' || *q == 'p' || *q == 'P');
+    if (q != p && q - p <= 7 && !more) {
+      out = negative ? -static_cast<float>(whole) : static_cast<float>(whole);
+      return NumberStatus::ok;
+    }
+  }
   float value = 0.0f;
   std::from_chars_result res{};
   // from_chars takes neither a sign nor the "0x" of a hexadecimal float.

@@ -25,7 +25,7 @@ std::string_view tagAt(std::string_view text, std::size_t at) {
 
 }  // namespace
 
-bool isProjectWrapper(std::string_view text) { return text.find(kRoot) != std::string_view::npos; }
+bool isProjectWrapper(std::string_view text) { return detail::findText(text, kRoot) != std::string_view::npos; }
 
 std::string serializeProjectWrapper(const core::Project& project) {
   std::string out = "<modelyneProject version=\"1\" name=\"";
@@ -64,7 +64,7 @@ std::optional<core::Project> loadProject(std::string_view text, ReadError* error
     if (error) *error = ReadError{std::move(what), detail::lineAt(text, offset), std::move(element)};
     return std::nullopt;
   };
-  const std::size_t rootAt = text.find(kRoot);
+  const std::size_t rootAt = detail::findText(text, kRoot);
   if (rootAt == std::string_view::npos) return failAt("no <modelyneProject> element", 0, "modelyneProject");
   const std::string_view root = tagAt(text, rootAt);
   if (root.empty() || root.back() != '>')
@@ -83,9 +83,9 @@ std::optional<core::Project> loadProject(std::string_view text, ReadError* error
 
   std::size_t pos = rootAt + root.size();
   for (;;) {
-    const std::size_t open = text.find(kModel, pos);
+    const std::size_t open = detail::findText(text, kModel, pos);
     if (open == std::string_view::npos) break;
-    const std::size_t close = text.find(kModelEnd, open);
+    const std::size_t close = detail::findText(text, kModelEnd, open);
     if (close == std::string_view::npos)
       return failAt("<modelyneModel> opened at line " + std::to_string(detail::lineAt(text, open)) +
                         " is not closed: the text ends early",
@@ -95,7 +95,7 @@ std::optional<core::Project> loadProject(std::string_view text, ReadError* error
     core::Model model;
     model.id = detail::attributeOr(head, "id", "");
     model.name = detail::attributeOr(head, "name", "");
-    const std::size_t d = block.find(kDiagram, head.size());
+    const std::size_t d = detail::findText(block, kDiagram, head.size());
     const std::size_t dEnd = block.rfind(kDiagramEnd);
     if (d != std::string_view::npos && dEnd != std::string_view::npos && dEnd > d)
       model.diagramXml = std::string(block.substr(d, dEnd + kDiagramEnd.size() - d));
@@ -103,7 +103,7 @@ std::optional<core::Project> loadProject(std::string_view text, ReadError* error
     project.models.push_back(std::move(model));
     pos = close + kModelEnd.size();
   }
-  if (text.find(kRootEnd, rootAt) == std::string_view::npos)
+  if (detail::findText(text, kRootEnd, rootAt) == std::string_view::npos)
     return failAt("<modelyneProject> opened at line " + std::to_string(detail::lineAt(text, rootAt)) +
                       " is not closed: the text ends early",
                   rootAt, "modelyneProject");

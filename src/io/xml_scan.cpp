@@ -1,6 +1,7 @@
 #include "io/xml_scan.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "io/xml_escape.h"
 
@@ -66,6 +67,14 @@ void widenToLines(std::string_view text, std::size_t& begin, std::size_t& end) {
     begin = b;
     end = e;
   }
+}
+
+std::size_t findText(std::string_view hay, std::string_view needle, std::size_t from) {
+  if (from > hay.size()) return std::string_view::npos;
+  if (needle.size() < 4) return hay.find(needle, from);
+  const auto begin = hay.begin() + static_cast<std::ptrdiff_t>(from);
+  const auto it = std::search(begin, hay.end(), std::boyer_moore_horspool_searcher(needle.begin(), needle.end()));
+  return it == hay.end() ? std::string_view::npos : static_cast<std::size_t>(it - hay.begin());
 }
 
 std::size_t lineAt(std::string_view text, std::size_t offset) {

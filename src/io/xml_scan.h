@@ -22,6 +22,11 @@ std::string attributeOr(std::string_view tag, std::string_view name, std::string
 /// space lies between; returns the extended range.
 void widenToLines(std::string_view text, std::size_t& begin, std::size_t& end);
 
+/// Position of the first `needle` in `hay` at or after `from`, or npos.
+/// Fast on long texts (skips ahead by the needle's length), for the block
+/// searches that run over a whole diagram text.
+std::size_t findText(std::string_view hay, std::string_view needle, std::size_t from = 0);
+
 /// Number of line breaks before `offset`, plus one.
 std::size_t lineAt(std::string_view text, std::size_t offset);
 

@@ -256,6 +256,29 @@ TEST(DiagramReader, RefusesWhatItCannotRead) {
   }
 }
 
+TEST(DiagramReader, LoadIntoDocumentReportsSkippedElements) {
+  core::Document doc;
+  std::vector<std::string> warnings;
+  ASSERT_TRUE(io::parseDiagramInto("<diagram>\n<node id='a'/>\n<node id='a'/>\n<edge id='e'/><edge/>\n</diagram>", doc,
+                                   nullptr, &warnings));
+  EXPECT_EQ(doc.nodes().size(), 1u);
+  EXPECT_EQ(doc.edges().size(), 1u);
+  EXPECT_EQ(warnings, (std::vector<std::string>{"line 3: node id 'a' is used twice; the later node was skipped",
+                                                "line 4: edge without id skipped"}));
+}
+
+TEST(DiagramReader, BlocksAreReadFromTagsNotFromComments) {
+  const std::string xml =
+      "<diagram>\n<!-- <DiagramFrame kind=\"sd\"/> <DataIntegration><Link id=\"c\"/></DataIntegration> -->\n"
+      "<DiagramFrame kind=\"act\"/>\n</diagram>\n"
+      "<DataIntegration version=\"1\"><Link id=\"after\"/></DataIntegration>\n";
+  auto c = io::readDiagram(xml);
+  ASSERT_TRUE(c);
+  EXPECT_EQ(c->frame.kind, core::DiagramKind::act);
+  ASSERT_EQ(c->links.size(), 1u);  // a block after the root is still found
+  EXPECT_EQ(c->links[0].id, "after");
+}
+
 TEST(DiagramReader, FailedLoadLeavesTheDocumentAlone) {
   core::Document doc;
   doc.addNode(makeNode("keep", core::ShapeType::rect, {1, 2, 3, 4}));
