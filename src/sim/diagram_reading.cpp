@@ -317,6 +317,7 @@ class Reader {
 
   void makeValues() {
     std::vector<std::int64_t> valueOfRoot(nodes_.size(), -1);
+    valuesByName_.reserve(nodes_.size());
     for (std::size_t i = 0; i < nodes_.size(); ++i) {
       if (roles_[i] != Role::value) continue;
       const Node& n = nodes_[i];

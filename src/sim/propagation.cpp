@@ -101,6 +101,7 @@ class Pass {
   explicit Pass(detail::DiagramModel& model) : model_(model) {}
 
   PropagationResult run() {
+    table_.reserve(model_.values.size());
     for (const auto& v : model_.values)
       if (v.given) {
         table_[v.key] = v.value;
