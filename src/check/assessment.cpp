@@ -1,9 +1,8 @@
 #include "check/assessment.h"
 
-#include <string_view>
-#include <unordered_map>
-#include <unordered_set>
+#include <vector>
 
+#include "check/diagram_index.h"
 #include "check/type_set.h"
 
 namespace modelyne::check {
@@ -77,11 +76,8 @@ AssessmentMetrics computeAssessment(std::span<const core::Node> nodes,
   m.nodeCount = static_cast<std::int32_t>(nodes.size());
   m.edgeCount = static_cast<std::int32_t>(edges.size());
 
-  std::unordered_map<std::string_view, S> typeOf;
-  typeOf.reserve(nodes.size());
   std::int32_t pillars[kPillarCount] = {};
   for (const core::Node& n : nodes) {
-    typeOf.try_emplace(n.id, n.type);  // a repeated id keeps its first type
     ++pillars[pillarOf(n.type)];
     if (kRequirementTypes.contains(n.type)) ++m.requirementCount;
     if (kBehaviourTypes.contains(n.type)) ++m.behaviourCount;
@@ -93,27 +89,35 @@ AssessmentMetrics computeAssessment(std::span<const core::Node> nodes,
   m.crossCuttingCount = pillars[kCrossCutting];
   for (const std::int32_t count : pillars) m.pillarsPresent += count > 0 ? 1 : 0;
 
-  // Distinct ids, so a requirement traced twice counts once.
-  std::unordered_set<std::string_view> satisfied, verified, allocated;
-  for (const core::Edge& e : edges) {
-    if (e.type != E::sysmlSatisfy && e.type != E::sysmlVerify && e.type != E::sysmlAllocate) continue;
-    const auto s = typeOf.find(e.source);
-    const auto t = typeOf.find(e.target);
-    if (s == typeOf.end() || t == typeOf.end()) continue;
-    if (e.type == E::sysmlAllocate) {
-      if (kBehaviourTypes.contains(s->second) && kAllocationTargets.contains(t->second))
-        allocated.insert(s->first);
-      if (kBehaviourTypes.contains(t->second) && kAllocationTargets.contains(s->second))
-        allocated.insert(t->first);
+  // The index resolves an id to its first node, so marking positions counts
+  // distinct ids: a requirement traced twice counts once.
+  const DiagramIndex diagram(nodes, edges);
+  std::vector<std::uint8_t> traced(nodes.size(), 0);
+  constexpr std::uint8_t kSatisfied = 1, kVerified = 2, kAllocated = 4;
+  const auto mark = [&](std::int32_t node, std::uint8_t flag, std::int32_t& count) {
+    std::uint8_t& t = traced[static_cast<std::size_t>(node)];
+    if (!(t & flag)) ++count;
+    t |= flag;
+  };
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    const E type = edges[i].type;
+    if ((type != E::sysmlSatisfy && type != E::sysmlVerify && type != E::sysmlAllocate) ||
+        !diagram.resolved(i))
+      continue;
+    const S s = diagram.sourceType(i);
+    const S t = diagram.targetType(i);
+    if (type == E::sysmlAllocate) {
+      if (kBehaviourTypes.contains(s) && kAllocationTargets.contains(t))
+        mark(diagram.source(i), kAllocated, m.behavioursAllocated);
+      if (kBehaviourTypes.contains(t) && kAllocationTargets.contains(s))
+        mark(diagram.target(i), kAllocated, m.behavioursAllocated);
       continue;
     }
-    auto& traced = e.type == E::sysmlSatisfy ? satisfied : verified;
-    if (kRequirementTypes.contains(s->second)) traced.insert(s->first);
-    if (kRequirementTypes.contains(t->second)) traced.insert(t->first);
+    const std::uint8_t flag = type == E::sysmlSatisfy ? kSatisfied : kVerified;
+    std::int32_t& count = type == E::sysmlSatisfy ? m.requirementsSatisfied : m.requirementsVerified;
+    if (kRequirementTypes.contains(s)) mark(diagram.source(i), flag, count);
+    if (kRequirementTypes.contains(t)) mark(diagram.target(i), flag, count);
   }
-  m.requirementsSatisfied = static_cast<std::int32_t>(satisfied.size());
-  m.requirementsVerified = static_cast<std::int32_t>(verified.size());
-  m.behavioursAllocated = static_cast<std::int32_t>(allocated.size());
   return m;
 }
 

@@ -36,27 +36,19 @@ void buildRows(std::size_t nodeCount, std::size_t edgeCount, EndOf endOf,
 
 DiagramIndex::DiagramIndex(std::span<const core::Node> nodes, std::span<const core::Edge> edges)
     : nodes_(nodes), edges_(edges) {
-  std::size_t idBytes = 0;
-  for (const core::Node& n : nodes) idBytes += n.id.size();
-  ids_.reserve(idBytes);
-  idStart_.reserve(nodes.size() + 1);
-  types_.reserve(nodes.size());
-  for (const core::Node& n : nodes) {
-    idStart_.push_back(static_cast<std::uint32_t>(ids_.size()));
-    ids_.append(n.id);
-    types_.push_back(n.type);
-  }
-  idStart_.push_back(static_cast<std::uint32_t>(ids_.size()));
-
   std::size_t cap = 16;
   while (cap < nodes.size() * 2) cap <<= 1;
   slots_.assign(cap, Slot{});
   mask_ = cap - 1;
   std::vector<std::uint32_t> nodeHashes(nodes.size());
-  for (std::uint32_t p = 0; p < nodes.size(); ++p) nodeHashes[p] = hashOf(idAt(p));
+  types_.resize(nodes.size());
+  for (std::size_t p = 0; p < nodes.size(); ++p) {
+    nodeHashes[p] = hashOf(nodes[p].id);
+    types_[p] = nodes[p].type;
+  }
   for (std::uint32_t p = 0; p < nodes.size(); ++p) {
     if (p + kPrefetchAhead < nodes.size()) __builtin_prefetch(&slots_[nodeHashes[p + kPrefetchAhead] & mask_]);
-    const std::string_view id = idAt(p);
+    const std::string_view id = nodes[p].id;
     const std::uint32_t h = nodeHashes[p];
     std::size_t i = h & mask_;
     bool taken = false;
@@ -113,7 +105,7 @@ std::int32_t DiagramIndex::findHashed(std::string_view id, std::uint32_t h) cons
 bool DiagramIndex::slotHolds(const Slot& slot, std::string_view id) const noexcept {
   if (slot.size != id.size()) return false;
   if (id.size() <= kInline) return std::memcmp(slot.inlineId, id.data(), id.size()) == 0;
-  return idAt(slot.pos1 - 1) == id;
+  return nodes_[slot.pos1 - 1].id == id;
 }
 
 bool DiagramIndex::touchesComment(std::size_t edge) const noexcept {

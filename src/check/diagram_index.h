@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -60,17 +59,12 @@ class DiagramIndex {
     return i == kMissing ? nullptr : &nodes_[static_cast<std::size_t>(i)];
   }
 
-  std::string_view idAt(std::uint32_t node) const noexcept {
-    return std::string_view(ids_).substr(idStart_[node], idStart_[node + 1] - idStart_[node]);
-  }
-
   std::span<const core::Node> nodes_;
   std::span<const core::Edge> edges_;
 
   // Open addressing: a slot holds the node position + 1 (0 = empty), the
   // id's hash and, for ids of up to kInline bytes, the id itself, so that a
-  // lookup reads one cache line; longer ids are compared against a packed
-  // copy of all node ids.
+  // lookup reads one cache line; longer ids are compared with the node's.
   static constexpr std::size_t kInline = 20;
   struct Slot {
     std::uint32_t pos1 = 0;
@@ -83,8 +77,6 @@ class DiagramIndex {
 
   std::vector<Slot> slots_;
   std::size_t mask_ = 0;
-  std::string ids_;
-  std::vector<std::uint32_t> idStart_;
   std::vector<core::ShapeType> types_;
   std::vector<Ends> ends_;
   void buildAdjacency() const;

@@ -109,6 +109,22 @@ TEST(Validate, SpanOverloadAgreesAndFirstOfARepeatedIdAnswers) {
   EXPECT_EQ(findings, (Findings{"Edge 'e' connects two actors. Only generalization is allowed between actors (SysML Distilled §5.8)."}));
 }
 
+TEST(Validate, LongIdsThatShareAPrefixResolveApart) {
+  const std::string base = "requirement-from-the-customer-spec-";  // longer than any inline key
+  Drawing d;
+  d.node(base + "1", S::umlActor)
+      .node(base + "2", S::umlUseCase)
+      .edge("e1", base + "1", base + "2", E::association)
+      .edge("e2", base + "2", base + "1", E::composition)
+      .edge("e3", base + "1", base + "3", E::association);
+  EXPECT_EQ(d.check(K::uc),
+            (Findings{
+                "Edge 'e2' (type=composition) not allowed on Use Case Diagram",
+                "Edge 'e3' references unknown target '" + base + "3'.",
+                "Edge 'e2' uses composite/aggregation between an actor and a use case. SysML Distilled §5.8 forbids this.",
+            }));
+}
+
 TEST(Validate, CheckingLeavesTheDocumentUnchanged) {
   Drawing d;
   d.node("a", S::umlActor, "User", {{"role", "x"}}).node("u", S::umlUseCase).edge("e", "a", "u", E::composition);
