@@ -335,8 +335,13 @@ void drawFragment(DrawingBuilder& out, const core::Node& node, const core::NodeG
     const float top = i == 0 ? b.y + th : b.y + th + splits[i - 1] * body;
     if (i > 0) out.line(b.x, top, b.x + b.w, top, 1.5f, true);
     const std::string_view guard = i < 3 ? property(node, kGuardKeys[i]) : std::string_view{};
-    if (!guard.empty() && top + 12 <= b.y + b.h)
-      out.text(b.x + 8, top + 12, kSmall, TextAnchor::start, "[" + std::string(guard) + "]");
+    if (guard.empty() || top + 12 > b.y + b.h) continue;
+    std::string bracketed;
+    bracketed.reserve(guard.size() + 2);
+    bracketed += '[';
+    bracketed += guard;
+    bracketed += ']';
+    out.text(b.x + 8, top + 12, kSmall, TextAnchor::start, bracketed);
   }
 }
 
