@@ -110,7 +110,7 @@ TEST(Validate, SpanOverloadAgreesAndFirstOfARepeatedIdAnswers) {
 }
 
 TEST(Validate, LongIdsThatShareAPrefixResolveApart) {
-  const std::string base = "requirement-from-the-customer-spec-";  // longer than any inline key
+  const std::string base = "requirement-from-the-customer-brief-";  // longer than any inline key
   Drawing d;
   d.node(base + "1", S::umlActor)
       .node(base + "2", S::umlUseCase)
