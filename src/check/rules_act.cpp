@@ -2,6 +2,7 @@
 // initial, final, decision/merge and fork/join nodes.
 
 #include <string>
+#include <vector>
 
 #include "check/element_categories.h"
 #include "check/rules.h"
@@ -13,13 +14,19 @@ namespace {
 using S = core::ShapeType;
 using E = core::EdgeType;
 
-// An activity edge: a control or object flow, or a generic line, which users
-// draw as a flow as often as not. Lines to a note annotate and dependencies
-// or allocations relate model elements; none of them carries tokens.
-bool isFlow(const DiagramIndex& diagram, std::uint32_t edge) {
-  const E type = diagram.edges()[edge].type;
-  if (type != E::sysmlControlFlow && type != E::sysmlObjectFlow && !isGenericLine(type)) return false;
-  return !diagram.touchesComment(edge);
+// Which edges are activity edges: control and object flows, and generic
+// lines, which users draw as flows as often as not. Lines to a note
+// annotate, and dependencies or allocations relate model elements; none of
+// them carries tokens. Worked out once for all the degree counts.
+std::vector<char> flowsOf(const DiagramIndex& diagram) {
+  const auto edges = diagram.edges();
+  std::vector<char> flow(edges.size(), 0);
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    const E type = edges[i].type;
+    flow[i] = (type == E::sysmlControlFlow || type == E::sysmlObjectFlow || isGenericLine(type)) &&
+              !diagram.touchesComment(i);
+  }
+  return flow;
 }
 
 struct Degree {
@@ -28,12 +35,12 @@ struct Degree {
   unsigned controlOut = 0;  // outgoing flows that are not object flows
 };
 
-Degree flowDegree(const DiagramIndex& diagram, std::int32_t node) {
+Degree flowDegree(const DiagramIndex& diagram, const std::vector<char>& flow, std::int32_t node) {
   Degree d;
   for (const std::uint32_t e : diagram.incoming(node))
-    if (isFlow(diagram, e)) ++d.in;
+    if (flow[e]) ++d.in;
   for (const std::uint32_t e : diagram.outgoing(node)) {
-    if (!isFlow(diagram, e)) continue;
+    if (!flow[e]) continue;
     ++d.out;
     if (diagram.edges()[e].type != E::sysmlObjectFlow) ++d.controlOut;
   }
@@ -47,6 +54,7 @@ bool decisionOrMergeShape(const Degree& d) {
 }  // namespace
 
 void checkActivity(const DiagramIndex& diagram, Findings& findings) {
+  const std::vector<char> flow = flowsOf(diagram);
   const auto nodes = diagram.nodes();
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     const core::Node& n = nodes[i];
@@ -54,7 +62,7 @@ void checkActivity(const DiagramIndex& diagram, Findings& findings) {
     const bool final = type == S::umlFinalNode || type == S::sysmlFlowFinalNode;
     if (type != S::umlInitialNode && !final && type != S::umlDecision && type != S::umlForkJoin)
       continue;
-    const Degree d = flowDegree(diagram, static_cast<std::int32_t>(i));
+    const Degree d = flowDegree(diagram, flow, static_cast<std::int32_t>(i));
     if (type == S::umlInitialNode) {
       if (d.in > 0)
         findings.add({"Initial Node '", n.id,

@@ -2,6 +2,7 @@
 // pseudostate, submachine references, and one start for a flat machine.
 
 #include <string>
+#include <vector>
 
 #include "check/element_categories.h"
 #include "check/rules.h"
@@ -15,13 +16,25 @@ namespace {
 using S = core::ShapeType;
 using E = core::EdgeType;
 
-// A transition: the SysML transition, or a generic line standing in for one.
-// Lines to a note annotate; dependencies are not transitions.
-bool isTransition(const DiagramIndex& diagram, std::uint32_t edge) {
-  const E type = diagram.edges()[edge].type;
-  if (type != E::sysmlTransition && !isGenericLine(type)) return false;
-  return !diagram.touchesComment(edge);
+// Which edges are transitions: the SysML transition, or a generic line
+// standing in for one. Lines to a note annotate; dependencies are not
+// transitions. Worked out once, as the degree rules ask about every edge
+// from both of its ends.
+std::vector<char> transitionsOf(const DiagramIndex& diagram) {
+  const auto edges = diagram.edges();
+  std::vector<char> transition(edges.size(), 0);
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    const E type = edges[i].type;
+    transition[i] = (type == E::sysmlTransition || isGenericLine(type)) && !diagram.touchesComment(i);
+  }
+  return transition;
 }
+
+struct Machine {
+  const DiagramIndex& diagram;
+  std::vector<char> transition;
+  bool isTransition(std::uint32_t edge) const { return transition[edge] != 0; }
+};
 
 enum class Vertex { other, initial, final, junction, choice, fork, join, terminate, history, submachine };
 
@@ -30,17 +43,17 @@ struct Degree {
   unsigned out = 0;
 };
 
-Degree transitionDegree(const DiagramIndex& diagram, std::int32_t node) {
+Degree transitionDegree(const Machine& m, std::int32_t node) {
   Degree d;
-  for (const std::uint32_t e : diagram.incoming(node)) d.in += isTransition(diagram, e) ? 1 : 0;
-  for (const std::uint32_t e : diagram.outgoing(node)) d.out += isTransition(diagram, e) ? 1 : 0;
+  for (const std::uint32_t e : m.diagram.incoming(node)) d.in += m.isTransition(e) ? 1 : 0;
+  for (const std::uint32_t e : m.diagram.outgoing(node)) d.out += m.isTransition(e) ? 1 : 0;
   return d;
 }
 
 // The generic diamond is a choice unless its "pseudoKind" says junction; the
 // generic bar is what its "forkOrJoin" says, else a join when two or more
 // transitions enter it and a fork otherwise.
-Vertex vertexOf(const core::Node& n, const DiagramIndex& diagram, std::int32_t index) {
+Vertex vertexOf(const core::Node& n, const Machine& m, std::int32_t index) {
   static const std::string kPseudoKind = "pseudoKind";
   static const std::string kForkOrJoin = "forkOrJoin";
   switch (n.type) {
@@ -60,7 +73,7 @@ Vertex vertexOf(const core::Node& n, const DiagramIndex& diagram, std::int32_t i
       const std::string mode = keyword(property(n, kForkOrJoin));
       if (mode == "fork") return Vertex::fork;
       if (mode == "join") return Vertex::join;
-      return transitionDegree(diagram, index).in >= 2 ? Vertex::join : Vertex::fork;
+      return transitionDegree(m, index).in >= 2 ? Vertex::join : Vertex::fork;
     }
     default: return Vertex::other;
   }
@@ -71,26 +84,26 @@ bool carriesTriggerOrGuard(std::string_view label) {
   return !parts.trigger.empty() || !parts.guard.empty();
 }
 
-bool anyCarriesTriggerOrGuard(const DiagramIndex& diagram, std::span<const std::uint32_t> edges) {
+bool anyCarriesTriggerOrGuard(const Machine& m, std::span<const std::uint32_t> edges) {
   for (const std::uint32_t e : edges)
-    if (isTransition(diagram, e) && carriesTriggerOrGuard(diagram.edges()[e].text)) return true;
+    if (m.isTransition(e) && carriesTriggerOrGuard(m.diagram.edges()[e].text)) return true;
   return false;
 }
 
-bool hasElseBranch(const DiagramIndex& diagram, std::int32_t node) {
-  for (const std::uint32_t e : diagram.outgoing(node))
-    if (isTransition(diagram, e) &&
-        equalsIgnoreCase(splitTransitionLabel(diagram.edges()[e].text).guard, "else"))
+bool hasElseBranch(const Machine& m, std::int32_t node) {
+  for (const std::uint32_t e : m.diagram.outgoing(node))
+    if (m.isTransition(e) && equalsIgnoreCase(splitTransitionLabel(m.diagram.edges()[e].text).guard, "else"))
       return true;
   return false;
 }
 
-void checkVertex(const DiagramIndex& diagram, std::int32_t index, Findings& findings) {
+void checkVertex(const Machine& m, std::int32_t index, Findings& findings) {
   static const std::string kSubmachine = "submachine";
+  const DiagramIndex& diagram = m.diagram;
   const core::Node& n = diagram.nodes()[static_cast<std::size_t>(index)];
-  const Vertex vertex = vertexOf(n, diagram, index);
+  const Vertex vertex = vertexOf(n, m, index);
   if (vertex == Vertex::other) return;
-  const Degree d = transitionDegree(diagram, index);
+  const Degree d = transitionDegree(m, index);
   switch (vertex) {
     case Vertex::initial:
       if (d.in > 0)
@@ -116,7 +129,7 @@ void checkVertex(const DiagramIndex& diagram, std::int32_t index, Findings& find
         findings.add({"Choice pseudostate '", n.id,
                       "' must have at least one incoming and at least two outgoing transitions (A "
                       "Practical Guide to SysML §11.4.2)."});
-      if (!hasElseBranch(diagram, index))
+      if (!hasElseBranch(m, index))
         findings.add({"Choice pseudostate '", n.id,
                       "' should provide an '[else]' outgoing guard so a path is always taken (A "
                       "Practical Guide to SysML §11.4.2)."});
@@ -126,7 +139,7 @@ void checkVertex(const DiagramIndex& diagram, std::int32_t index, Findings& find
         findings.add({"Fork pseudostate '", n.id,
                       "' must have exactly one incoming and at least two outgoing transitions (A "
                       "Practical Guide to SysML §11.6.2)."});
-      if (anyCarriesTriggerOrGuard(diagram, diagram.outgoing(index)))
+      if (anyCarriesTriggerOrGuard(m, diagram.outgoing(index)))
         findings.add({"Fork pseudostate '", n.id,
                       "' outgoing transitions must not carry a trigger or a guard (A Practical Guide "
                       "to SysML §11.6.2)."});
@@ -136,7 +149,7 @@ void checkVertex(const DiagramIndex& diagram, std::int32_t index, Findings& find
         findings.add({"Join pseudostate '", n.id,
                       "' must have at least two incoming and exactly one outgoing transition (A "
                       "Practical Guide to SysML §11.6.2)."});
-      if (anyCarriesTriggerOrGuard(diagram, diagram.incoming(index)))
+      if (anyCarriesTriggerOrGuard(m, diagram.incoming(index)))
         findings.add({"Join pseudostate '", n.id,
                       "' incoming transitions must not carry a trigger or a guard (A Practical Guide "
                       "to SysML §11.6.2)."});
@@ -171,6 +184,7 @@ void checkVertex(const DiagramIndex& diagram, std::int32_t index, Findings& find
 }  // namespace
 
 void checkStateMachine(const DiagramIndex& diagram, Findings& findings) {
+  const Machine machine{diagram, transitionsOf(diagram)};
   const auto nodes = diagram.nodes();
   std::size_t initials = 0;
   bool hasRegion = false;
@@ -178,7 +192,7 @@ void checkStateMachine(const DiagramIndex& diagram, Findings& findings) {
     initials += nodes[i].type == S::umlInitialNode ? 1 : 0;
     hasRegion = hasRegion || nodes[i].type == S::sysmlCompositeState ||
                 nodes[i].type == S::sysmlOrthogonalRegion;
-    checkVertex(diagram, static_cast<std::int32_t>(i), findings);
+    checkVertex(machine, static_cast<std::int32_t>(i), findings);
   }
 
   const auto edges = diagram.edges();
