@@ -3,7 +3,8 @@
 #include <cmath>
 #include <limits>
 #include <string_view>
-#include <unordered_map>
+#include <functional>
+#include <vector>
 
 #include "export/edge_drawing.h"
 #include "export/node_outlines.h"
@@ -21,6 +22,51 @@ Extent contentExtent(std::span<const core::Node> nodes) {
   for (const core::Node& n : nodes) extendByNode(e, n);
   return e;
 }
+
+/// Node id to the first node with that id: open addressing with linear
+/// probing over a flat table, built once per call.
+class NodeIdIndex {
+ public:
+  explicit NodeIdIndex(std::span<const core::Node> nodes) : nodes_(nodes) {
+    std::size_t capacity = 16;
+    while (capacity < nodes.size() * 2) capacity <<= 1;
+    slots_.assign(capacity, Slot{});
+    mask_ = capacity - 1;
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+      const std::size_t h = hashOf(nodes[i].id);
+      std::size_t at = h & mask_;
+      for (;; at = (at + 1) & mask_) {
+        Slot& slot = slots_[at];
+        if (slot.index == kEmpty) {
+          slot = {h, static_cast<std::uint32_t>(i)};
+          break;
+        }
+        if (slot.hash == h && nodes_[slot.index].id == nodes[i].id) break;  // first one wins
+      }
+    }
+  }
+
+  const core::Node* find(std::string_view id) const noexcept {
+    const std::size_t h = hashOf(id);
+    for (std::size_t at = h & mask_;; at = (at + 1) & mask_) {
+      const Slot& slot = slots_[at];
+      if (slot.index == kEmpty) return nullptr;
+      if (slot.hash == h && nodes_[slot.index].id == id) return &nodes_[slot.index];
+    }
+  }
+
+ private:
+  static constexpr std::uint32_t kEmpty = 0xFFFFFFFFu;
+  struct Slot {
+    std::size_t hash = 0;
+    std::uint32_t index = kEmpty;
+  };
+  static std::size_t hashOf(std::string_view id) noexcept { return std::hash<std::string_view>{}(id); }
+
+  std::span<const core::Node> nodes_;
+  std::vector<Slot> slots_;
+  std::size_t mask_ = 0;
+};
 
 float finiteOrMax(float v) {
   return std::isfinite(v) ? v : std::numeric_limits<float>::max();
@@ -55,7 +101,9 @@ DrawingList buildDrawing(std::span<const core::Node> nodes, std::span<const core
                          const DrawingOptions& options) {
   DrawingList list;
   list.background = options.background;
-  list.items.reserve(nodes.size() * 2 + edges.size() * 2);
+  // Typical counts: a node gives an outline and a label, an edge a line, a mark and a label.
+  list.items.reserve(nodes.size() * 2 + edges.size() * 3);
+  list.text.reserve(nodes.size() * 16 + edges.size() * 4);
 
   const bool framed = options.frame != nullptr && options.frame->show;
   Extent content = contentExtent(nodes);
@@ -82,14 +130,11 @@ DrawingList buildDrawing(std::span<const core::Node> nodes, std::span<const core
                    frameBox.maxY - frameBox.minY, frameLabel(*options.frame));
 
   // One index per call; the first node with an id wins, as a scan in node order would find it.
-  std::unordered_map<std::string_view, const core::Node*> byId;
-  byId.reserve(nodes.size());
-  for (const core::Node& n : nodes) byId.try_emplace(n.id, &n);
+  const NodeIdIndex byId(nodes);
   for (const core::Edge& e : edges) {
-    auto s = byId.find(e.source);
-    auto t = byId.find(e.target);
-    if (s == byId.end() || t == byId.end()) continue;
-    drawEdge(out, e, *s->second, *t->second);
+    const core::Node* s = byId.find(e.source);
+    const core::Node* t = s ? byId.find(e.target) : nullptr;
+    if (t) drawEdge(out, e, *s, *t);
   }
   for (const core::Node& n : nodes) drawNode(out, n);
   return list;

@@ -92,7 +92,9 @@ void DrawingBuilder::text(float x, float y, float size, TextAnchor anchor, std::
   p.fill = fill;
   p.stroke = kNoPaint;
   p.v[0] = x; p.v[1] = y; p.v[2] = size;
-  p.text.assign(text);
+  p.first = static_cast<std::uint32_t>(list_.text.size());
+  p.count = static_cast<std::uint32_t>(text.size());
+  list_.text.append(text);
 }
 
 }  // namespace modelyne::exporter

@@ -37,7 +37,8 @@ enum class TextAnchor : std::uint8_t { start, middle };
 /// One drawing element. Geometry lives in `v`:
 /// rect x, y, w, h, rx; ellipse cx, cy, rx, ry; line x1, y1, x2, y2;
 /// cubic x0, y0, c1x, c1y, c2x, c2y, x1, y1; text x (anchor), y (baseline), font size.
-/// Polygons and polylines use `count` points of `DrawingList::points` from `first`.
+/// Polygons and polylines use `count` points of `DrawingList::points` from
+/// `first`; a text uses `count` bytes of `DrawingList::text` from `first`.
 struct Primitive {
   PrimitiveKind kind = PrimitiveKind::rect;
   bool dashed = false;                 ///< dash pattern 5,3
@@ -48,7 +49,6 @@ struct Primitive {
   float v[8] = {};
   std::uint32_t first = 0;
   std::uint32_t count = 0;
-  std::string text;                    ///< UTF-8, unescaped
 };
 
 /// The page: one drawing unit is one SVG unit.
@@ -64,8 +64,10 @@ struct DrawingList {
   bool background = false;             ///< white page under everything
   std::vector<Primitive> items;        ///< in painting order
   std::vector<Point> points;           ///< shared point storage of polygons and polylines
+  std::string text;                    ///< shared UTF-8 storage of the texts, unescaped
 
   const Point* pointsOf(const Primitive& p) const noexcept { return points.data() + p.first; }
+  std::string_view textOf(const Primitive& p) const noexcept { return std::string_view(text).substr(p.first, p.count); }
 };
 
 /// Appends primitives to a list. Primitives whose geometry is not finite are

@@ -122,10 +122,11 @@ void drawEdge(DrawingBuilder& out, const core::Edge& edge, const core::Node& sou
 
   switch (style.route) {
     case RouteKind::elbow: {
-      const std::vector<Point> route = orthogonalRoute(a, stubDirection(edge.sourcePort, a, b), b,
-                                                       stubDirection(edge.targetPort, b, a));
-      out.polyline(route.data(), route.size(), style.dashed);
-      const std::size_t n = route.size();
+      const Route r = orthogonalRoutePoints(a, stubDirection(edge.sourcePort, a, b), b,
+                                            stubDirection(edge.targetPort, b, a));
+      const Point* route = r.points;
+      const std::size_t n = r.count;
+      out.polyline(route, n, style.dashed);
       if (n >= 2) {
         drawEndMark(out, style.sourceMark, a, markDirection(route[1], a));
         drawEndMark(out, style.targetMark, b, markDirection(route[n - 2], b));

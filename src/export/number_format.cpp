@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <string_view>
 
@@ -25,6 +26,27 @@ std::size_t formatNumber(double value, char (&buf)[kNumberBufferSize]) noexcept 
     len = 1;
   }
   return len;
+}
+
+char* writeNumber(char* out, float value) noexcept {
+  const double hundredths = static_cast<double>(value) * 100.0;
+  if (!(std::fabs(hundredths) < 9.0e15)) {  // huge or not finite: the general path
+    char buf[kNumberBufferSize];
+    const std::size_t n = formatNumber(static_cast<double>(value), buf);
+    std::memcpy(out, buf, n);
+    return out + n;
+  }
+  const double rounded = std::nearbyint(hundredths);
+  const auto magnitude = static_cast<unsigned long long>(std::fabs(rounded));
+  if (std::signbit(value)) *out++ = '-';  // "%.2f" keeps the sign of a value that rounds to zero
+  out = std::to_chars(out, out + 24, magnitude / 100).ptr;
+  const auto cents = static_cast<unsigned>(magnitude % 100);
+  if (cents != 0) {
+    *out++ = '.';
+    *out++ = static_cast<char>('0' + cents / 10);
+    if (cents % 10 != 0) *out++ = static_cast<char>('0' + cents % 10);
+  }
+  return out;
 }
 
 void appendNumber(std::string& out, double value) {

@@ -9,9 +9,12 @@ namespace {
 // A vertical direction has a zero x component; directions are exact axis vectors.
 bool isVertical(Point d) { return d.x == 0.0f; }
 
-void push(std::vector<Point>& route, Point p) {
-  if (!route.empty() && route.back().x == p.x && route.back().y == p.y) return;
-  route.push_back(p);
+void push(Route& route, Point p) {
+  if (route.count > 0) {
+    const Point& last = route.points[route.count - 1];
+    if (last.x == p.x && last.y == p.y) return;
+  }
+  route.points[route.count++] = p;
 }
 
 }  // namespace
@@ -53,11 +56,10 @@ Point stubDirection(core::Anchor anchor, Point at, Point other) noexcept {
   return {sx, sy};
 }
 
-std::vector<Point> orthogonalRoute(Point start, Point dS, Point end, Point dT) {
+Route orthogonalRoutePoints(Point start, Point dS, Point end, Point dT) noexcept {
   const Point s{start.x + dS.x * kStubLength, start.y + dS.y * kStubLength};
   const Point t{end.x + dT.x * kStubLength, end.y + dT.y * kStubLength};
-  std::vector<Point> route;
-  route.reserve(6);
+  Route route;
   push(route, start);
   push(route, s);
   if (isVertical(dS) && isVertical(dT)) {
@@ -96,6 +98,11 @@ std::vector<Point> orthogonalRoute(Point start, Point dS, Point end, Point dT) {
   push(route, t);
   push(route, end);
   return route;
+}
+
+std::vector<Point> orthogonalRoute(Point start, Point dStart, Point end, Point dEnd) {
+  const Route r = orthogonalRoutePoints(start, dStart, end, dEnd);
+  return std::vector<Point>(r.points, r.points + r.count);
 }
 
 }  // namespace modelyne::exporter

@@ -27,9 +27,18 @@ Point connectionPoint(const core::NodeGeometry& box, core::Anchor anchor) noexce
 /// the horizontal side on a tie.
 Point stubDirection(core::Anchor anchor, Point at, Point other) noexcept;
 
+/// An elbow route: at most start, stub end, two bends, stub end, end.
+struct Route {
+  Point points[6];
+  std::size_t count = 0;
+};
+
 /// The elbow route from `start` (stub direction `dStart`) to `end` (stub
 /// direction `dEnd`): start, the two stub ends with the bends between them,
 /// end, without consecutive duplicate points.
+Route orthogonalRoutePoints(Point start, Point dStart, Point end, Point dEnd) noexcept;
+
+/// The same route as a vector.
 std::vector<Point> orthogonalRoute(Point start, Point dStart, Point end, Point dEnd);
 
 }  // namespace modelyne::exporter

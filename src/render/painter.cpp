@@ -59,10 +59,10 @@ class FontCache {
   std::map<float, std::pair<QFont, QFontMetricsF>> fonts_;
 };
 
-void paintText(QPainter& painter, const Primitive& p, FontCache& fonts) {
-  if (p.text.empty() || !(p.v[2] > 0)) return;
+void paintText(QPainter& painter, const Primitive& p, std::string_view utf8, FontCache& fonts) {
+  if (utf8.empty() || !(p.v[2] > 0)) return;
   const auto& [font, metrics] = fonts.get(p.v[2]);
-  const QString text = QString::fromUtf8(p.text.data(), static_cast<qsizetype>(p.text.size()));
+  const QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
   qreal x = p.v[0];
   if (p.anchor == exporter::TextAnchor::middle) x -= metrics.horizontalAdvance(text) / 2;
   painter.setFont(font);
@@ -82,7 +82,7 @@ void paint(QPainter& painter, const exporter::DrawingList& d) {
   QPolygonF poly;
   for (const Primitive& p : d.items) {
     if (p.kind == PrimitiveKind::text) {
-      paintText(painter, p, fonts);
+      paintText(painter, p, d.textOf(p), fonts);
       continue;
     }
     painter.setPen(penOf(p));

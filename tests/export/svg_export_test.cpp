@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "export/number_format.h"
@@ -33,6 +36,36 @@ TEST(NumberFormat, TwoDecimalsWithoutTrailingZeros) {
       {2.675, "2.67"},   {-12.345f, "-12.35"}, {1e6, "1000000"}, {0.004, "0"},  {100.001, "100"},
   };
   for (const Case& c : cases) EXPECT_EQ(formatNumber(c.value), c.text) << c.value;
+}
+
+// The float fast path agrees with the C library's "%.2f" (trimmed here by hand)
+// on exact ties, tiny and huge values, negative zero and random bit patterns.
+TEST(NumberFormat, FloatPathMatchesPrintf) {
+  auto reference = [](float v) {
+    char buf[64];
+    std::snprintf(buf, sizeof buf, "%.2f", static_cast<double>(v));
+    std::string s = buf;
+    if (s.find('.') != std::string::npos) {
+      while (s.back() == '0') s.pop_back();
+      if (s.back() == '.') s.pop_back();
+    }
+    return s.empty() ? std::string("0") : s;
+  };
+  std::vector<float> values = {0.125f, 0.375f, 0.625f, 2.5f, -0.125f, -0.005f, 0.005f, 1e-30f, -1e-30f, -0.0f,
+                               16777216.0f, 1.5e15f, 9.1e13f, 3.4e38f, -3.4e38f, 7.1f, 48.36f, 1234567.875f};
+  std::uint32_t bits = 0x12345678u;
+  for (int i = 0; i < 200000; ++i) {
+    bits = bits * 1664525u + 1013904223u;
+    float f;
+    std::memcpy(&f, &bits, sizeof f);
+    if (std::isfinite(f)) values.push_back(f);
+    values.push_back(static_cast<float>(static_cast<int>(bits % 2000000) - 1000000) / 800.0f);
+  }
+  for (float v : values) {
+    char buf[kNumberBufferSize];
+    const std::string got(buf, static_cast<std::size_t>(writeNumber(buf, v) - buf));
+    ASSERT_EQ(got, reference(v)) << v;
+  }
 }
 
 TEST(SvgExport, EmptyDiagramIgnoresMargin) {
