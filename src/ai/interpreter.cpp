@@ -640,6 +640,10 @@ void Interpreter::sentence(std::string_view s) {
     if (rel.objects.size() > kMaxListItems) rel.objects.resize(kMaxListItems);
     if (!hasObjects || negated || rel.subjects.empty()) {
       if (!rel.subjects.empty()) lastSubjects_ = rel.subjects;
+      // "Also include the battery": an object without a subject is still
+      // something the user named.
+      if (hasObjects && !negated)
+        for (Ref r : rel.objects) runs_[static_cast<std::size_t>(r)].role = RunRole::Entity;
       continue;
     }
     for (Ref r : rel.subjects)

@@ -201,6 +201,12 @@ TEST(AiRefine, OfflineAddsNewElementsToTheCurrentModel) {
   EXPECT_EQ(doc.edges()[3].target, "n2");
   EXPECT_EQ(res.log.back(), text("AI Generate: added 1 node and 2 edges."));
 
+  // An imperative names what to add.
+  const GenerateResult include = RunAiGenerate(request(&doc, "Also include the radiator."));
+  ASSERT_TRUE(include.applied);
+  EXPECT_EQ(doc.nodes().back().text, "Radiator");
+  EXPECT_EQ(include.log.back(), text("AI Generate: added 1 node and 0 edges."));
+
   // The same again adds nothing.
   const std::size_t before = doc.history().undoCount();
   const GenerateResult again = RunAiGenerate(request(&doc, "The battery sends power to the engine."));
