@@ -91,9 +91,8 @@ io::DiagramContent readModelDiagram(const ModelFile& file, std::size_t index) {
   }
   io::ReadError error;
   auto content = io::readDiagram(model.diagramXml, &error);
-  const std::size_t offset = diagramOffset(file, index);
-  const unsigned base = lineAt(file.text, offset) - 1;
   if (!content) {
+    const unsigned base = lineAt(file.text, diagramOffset(file, index)) - 1;
     const unsigned line = error.line > 0 ? base + static_cast<unsigned>(error.line) : 0;
     throw CliError(located(file.name, line, error.what));
   }
