@@ -28,6 +28,8 @@ constexpr std::string_view kHelp =
 
 int run(const Args& args) {
   expectPositionals(args, 0, 1, "plan", "a FILE");
+  if (args.positionals.empty() && stdinIsTerminal())
+    throw CliError("no plan given (pass a FILE, or pipe the plan text in)");
   const InputText input = readInput(args.positionals.empty() ? "-" : args.positionals[0]);
   ai::DiagramPlan plan;
   if (!ai::ParsePlan(input.text, plan)) {

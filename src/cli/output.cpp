@@ -3,6 +3,8 @@
 #include <cctype>
 #include <cstdio>
 
+#include <unistd.h>
+
 #include "io/atomic_file.h"
 
 namespace modelyne::cli {
@@ -51,6 +53,8 @@ InputText readInput(std::string_view arg) {
   if (!text) throw CliError(asClause(error));
   return {std::string(arg), std::move(*text)};
 }
+
+bool stdinIsTerminal() { return ::isatty(STDIN_FILENO) == 1; }
 
 void writeResult(const std::optional<std::string>& out, std::string_view bytes) {
   if (!out || *out == "-") {

@@ -45,6 +45,10 @@ struct InputText {
 /// consumed once per run; a second "-" is a CliError.
 InputText readInput(std::string_view arg);
 
+/// Whether standard input is an interactive terminal rather than a pipe or
+/// file: an optional input left out then means the user forgot it.
+bool stdinIsTerminal();
+
 /// Writes `bytes` to standard output when `out` is absent or "-", else
 /// replaces the file `out` in one step. Throws CliError on failure.
 void writeResult(const std::optional<std::string>& out, std::string_view bytes);

@@ -5,6 +5,8 @@
 namespace modelyne::cli {
 
 std::string textArgument(std::span<const std::string> words) {
+  if (words.empty() && stdinIsTerminal())
+    throw CliError("no text given (pass it as arguments, or pipe it in)");
   if (words.empty() || (words.size() == 1 && words[0] == "-")) {
     std::string text = readInput("-").text;
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
