@@ -1,6 +1,8 @@
 #include "cli/model_input.h"
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
 
 #include "cli/output.h"
 #include "io/project_file.h"
@@ -37,6 +39,21 @@ std::size_t diagramOffset(const ModelFile& file, std::size_t index) {
   }
   const std::size_t at = xml.empty() ? std::string::npos : file.text.find(xml, from > 0 ? from - 1 : 0);
   return at == std::string::npos ? 0 : at;
+}
+
+// The reader's warnings begin "line N: "; as FILE:LINE they read like the
+// errors, with N counted in the file rather than in the embedded diagram.
+std::string relocated(std::string_view fileName, unsigned base, std::string_view warning) {
+  constexpr std::string_view kPrefix = "line ";
+  unsigned line = 0;
+  if (warning.starts_with(kPrefix)) {
+    const char* first = warning.data() + kPrefix.size();
+    const char* last = warning.data() + warning.size();
+    const auto r = std::from_chars(first, last, line);
+    if (r.ec == std::errc() && std::string_view(r.ptr, static_cast<std::size_t>(last - r.ptr)).starts_with(": "))
+      return located(fileName, base + line, std::string_view(r.ptr + 2, static_cast<std::size_t>(last - r.ptr - 2)));
+  }
+  return located(fileName, 0, warning);
 }
 
 std::string modelIdList(const core::Project& project) {
@@ -96,8 +113,10 @@ io::DiagramContent readModelDiagram(const ModelFile& file, std::size_t index) {
     const unsigned line = error.line > 0 ? base + static_cast<unsigned>(error.line) : 0;
     throw CliError(located(file.name, line, error.what));
   }
-  for (const std::string& warning : content->warnings)
-    diagnostic("modelyne: warning: " + located(file.name, 0, warning));
+  if (!content->warnings.empty()) {
+    const unsigned base = lineAt(file.text, diagramOffset(file, index)) - 1;
+    for (const std::string& warning : content->warnings) diagnostic("modelyne: warning: " + relocated(file.name, base, warning));
+  }
   return std::move(*content);
 }
 

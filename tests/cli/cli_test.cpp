@@ -133,6 +133,12 @@ TEST(CliErrors, FaultsNameTheFileAndLine) {
   r = runTool({"assess", "-"}, kBrokenXml);
   EXPECT_TRUE(r.err.starts_with("modelyne: error: <stdin>:4: ")) << r.err;
 
+  // A skipped element is a warning at its line; the command goes on.
+  r = runTool({"info", "-"}, "<diagram xmlns=\"modelyne:diagram\">\n<node id=\"a\"/>\n<node id=\"a\"/>\n</diagram>\n");
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_TRUE(r.err.starts_with("modelyne: warning: <stdin>:3: ")) << r.err;
+  EXPECT_NE(r.out.find("  nodes: 1\n"), std::string::npos);
+
   r = runTool({"info", "missing.xml"}, {}, dir);
   EXPECT_EQ(r.exitCode, 2);
   EXPECT_EQ(r.err, "modelyne: error: cannot open missing.xml: No such file or directory\n");
