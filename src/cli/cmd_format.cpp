@@ -31,13 +31,14 @@ int run(const Args& args) {
 
   for (std::size_t i = 0; i < file.project.models.size(); ++i) {
     core::Model& model = file.project.models[i];
-    if (model.diagramXml.empty()) continue;  // written as an empty diagram, as the editor does
+    // A model without diagram text gets a full empty diagram too, so that a
+    // second run changes nothing.
     core::Document doc;
     io::applyDiagram(readModelDiagram(file, i), doc);
     model.diagramXml = io::serializeDocument(doc);
     model.frame = doc.frame();
   }
-  // Only consulted for a lone model without diagram text: an empty diagram.
+  // Every model has its text now; the open document is not consulted.
   const core::Document empty;
   writeResult(args.value("--output"), io::serializeProject(file.project, empty));
   return kExitOk;

@@ -225,6 +225,15 @@ TEST(CliFormat, CanonicalFormIsStableAndPipes) {
   const ToolRun second = runTool({"format", "-"}, first.out);
   EXPECT_EQ(second.out, first.out);
 
+  // Every model of a project, an empty one included, settles in one run.
+  const std::string project = "<modelyneProject version=\"1\" name=\"P\" active=\"0\">\n"
+                              "<modelyneModel id=\"a\" name=\"A\">\n" + kLooseXml + "\n</modelyneModel>\n"
+                              "<modelyneModel id=\"b\" name=\"B\">\n</modelyneModel>\n</modelyneProject>\n";
+  const ToolRun once = runTool({"format", "-"}, project);
+  ASSERT_EQ(once.exitCode, 0) << once.err;
+  EXPECT_TRUE(once.out.starts_with("<modelyneProject version=\"1\" name=\"P\" active=\"0\">\n")) << once.out;
+  EXPECT_EQ(runTool({"format", "-"}, once.out).out, once.out);
+
   // Formatting a file onto itself.
   const fs::path dir = scratchDir("format");
   writeText(dir / "m.xml", kLooseXml);
