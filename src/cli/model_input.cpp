@@ -80,6 +80,8 @@ ModelFile openModel(std::string_view arg) {
     if (project->models.empty()) throw CliError(located(file.name, 0, "the project holds no model"));
     file.project = std::move(*project);
   } else {
+    if (file.text.find_first_not_of(" \t\r\n") == std::string::npos)
+      throw CliError(located(file.name, 0, "the file is empty, not a model file"));
     file.project = io::projectFromDiagram(file.text);
   }
   return file;

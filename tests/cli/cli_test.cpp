@@ -139,6 +139,8 @@ TEST(CliErrors, FaultsNameTheFileAndLine) {
   EXPECT_TRUE(r.err.starts_with("modelyne: warning: <stdin>:3: ")) << r.err;
   EXPECT_NE(r.out.find("  nodes: 1\n"), std::string::npos);
 
+  EXPECT_EQ(runTool({"check", "-"}, "\n").err, "modelyne: error: <stdin>: the file is empty, not a model file\n");
+
   r = runTool({"info", "missing.xml"}, {}, dir);
   EXPECT_EQ(r.exitCode, 2);
   EXPECT_EQ(r.err, "modelyne: error: cannot open missing.xml: No such file or directory\n");
