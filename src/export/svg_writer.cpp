@@ -11,21 +11,33 @@ namespace modelyne::exporter {
 namespace {
 
 // ---- Raw output ----
-// Each writer reserves the most its element can take, writes through a
-// pointer and trims: no per-piece capacity checks on megabyte outputs.
+// Each writer asks for the most its element can take, writes through a
+// pointer and records where it ended: no per-piece capacity checks on
+// megabyte outputs.
 
 constexpr std::size_t kNumberRoom = kNumberBufferSize;
 constexpr std::size_t kFixedRoom = 320;  // tags, attribute names, colours, font list
 
-/// Grows `out` by `room` bytes and returns where writing starts.
-char* open(std::string& out, std::size_t room) {
-  const std::size_t used = out.size();
-  if (out.capacity() < used + room) out.reserve(std::max(out.capacity() * 2, used + room));
-  out.resize(used + room);
-  return out.data() + used;
-}
+/// Appends to a string through a pointer. The string is grown (and zeroed)
+/// in doubling steps ahead of the written length and trimmed once at the end.
+class Sink {
+ public:
+  explicit Sink(std::string& out) : out_(out), length_(out.size()) {}
+  Sink(const Sink&) = delete;
+  Sink& operator=(const Sink&) = delete;
+  ~Sink() { out_.resize(length_); }
 
-void close(std::string& out, const char* end) { out.resize(static_cast<std::size_t>(end - out.data())); }
+  /// Room for `room` bytes; returns where writing starts.
+  char* open(std::size_t room) {
+    if (out_.size() < length_ + room) out_.resize(std::max(out_.size() * 2, length_ + room));
+    return out_.data() + length_;
+  }
+  void close(const char* end) { length_ = static_cast<std::size_t>(end - out_.data()); }
+
+ private:
+  std::string& out_;
+  std::size_t length_;
+};
 
 char* put(char* p, std::string_view s) {
   std::memcpy(p, s.data(), s.size());
@@ -63,16 +75,9 @@ char* escaped(char* p, std::string_view text) {
   return p;
 }
 
-}  // namespace
-
-void appendEscaped(std::string& out, std::string_view text) {
-  char* p = open(out, text.size() * 6);
-  close(out, escaped(p, text));
-}
-
-void writeRect(std::string& out, float x, float y, float w, float h, float rx, Colour fill, Colour stroke,
+void writeRectTo(Sink& out, float x, float y, float w, float h, float rx, Colour fill, Colour stroke,
                bool dashed) {
-  char* p = open(out, kFixedRoom + 5 * kNumberRoom);
+  char* p = out.open(kFixedRoom + 5 * kNumberRoom);
   p = attr(put(p, "<rect"), " x=\"", x);
   p = attr(p, " y=\"", y);
   p = attr(p, " width=\"", w);
@@ -81,12 +86,12 @@ void writeRect(std::string& out, float x, float y, float w, float h, float rx, C
   p = colourAttr(p, " fill=\"", fill);
   p = colourAttr(p, " stroke=\"", stroke);
   p = dash(put(p, " stroke-width=\"1.5\""), dashed);
-  close(out, put(p, "/>\n"));
+  out.close(put(p, "/>\n"));
 }
 
-void writeEllipse(std::string& out, float cx, float cy, float rx, float ry, Colour fill, Colour stroke,
+void writeEllipseTo(Sink& out, float cx, float cy, float rx, float ry, Colour fill, Colour stroke,
                   float strokeWidth) {
-  char* p = open(out, kFixedRoom + 5 * kNumberRoom);
+  char* p = out.open(kFixedRoom + 5 * kNumberRoom);
   p = attr(put(p, "<ellipse"), " cx=\"", cx);
   p = attr(p, " cy=\"", cy);
   p = attr(p, " rx=\"", rx);
@@ -94,23 +99,23 @@ void writeEllipse(std::string& out, float cx, float cy, float rx, float ry, Colo
   p = colourAttr(p, " fill=\"", fill);
   p = colourAttr(p, " stroke=\"", stroke);
   p = attr(p, " stroke-width=\"", strokeWidth);
-  close(out, put(p, "/>\n"));
+  out.close(put(p, "/>\n"));
 }
 
-void writeLine(std::string& out, float x1, float y1, float x2, float y2, Colour stroke, float strokeWidth,
+void writeLineTo(Sink& out, float x1, float y1, float x2, float y2, Colour stroke, float strokeWidth,
                bool dashed) {
-  char* p = open(out, kFixedRoom + 5 * kNumberRoom);
+  char* p = out.open(kFixedRoom + 5 * kNumberRoom);
   p = attr(put(p, "<line"), " x1=\"", x1);
   p = attr(p, " y1=\"", y1);
   p = attr(p, " x2=\"", x2);
   p = attr(p, " y2=\"", y2);
   p = colourAttr(p, " stroke=\"", stroke);
   p = dash(attr(p, " stroke-width=\"", strokeWidth), dashed);
-  close(out, put(p, "/>\n"));
+  out.close(put(p, "/>\n"));
 }
 
-void writeCubic(std::string& out, const float (&v)[8], Colour stroke, float strokeWidth, bool dashed) {
-  char* p = open(out, kFixedRoom + 9 * kNumberRoom);
+void writeCubicTo(Sink& out, const float (&v)[8], Colour stroke, float strokeWidth, bool dashed) {
+  char* p = out.open(kFixedRoom + 9 * kNumberRoom);
   p = writeNumber(put(p, "<path d=\"M "), v[0]);
   p = writeNumber(put(p, " "), v[1]);
   p = put(p, " C ");
@@ -120,12 +125,12 @@ void writeCubic(std::string& out, const float (&v)[8], Colour stroke, float stro
   }
   p = colourAttr(put(p, "\" fill=\"none\""), " stroke=\"", stroke);
   p = dash(attr(p, " stroke-width=\"", strokeWidth), dashed);
-  close(out, put(p, "/>\n"));
+  out.close(put(p, "/>\n"));
 }
 
-void writePoints(std::string& out, bool closed, const Point* pts, std::size_t n, Colour fill, Colour stroke,
+void writePointsTo(Sink& out, bool closed, const Point* pts, std::size_t n, Colour fill, Colour stroke,
                  bool dashed) {
-  char* p = open(out, kFixedRoom + n * (2 * kNumberRoom + 2));
+  char* p = out.open(kFixedRoom + n * (2 * kNumberRoom + 2));
   p = put(p, closed ? "<polygon points=\"" : "<polyline points=\"");
   for (std::size_t i = 0; i < n; ++i) {
     if (i > 0) *p++ = ' ';
@@ -137,12 +142,12 @@ void writePoints(std::string& out, bool closed, const Point* pts, std::size_t n,
   p = colourAttr(p, " fill=\"", fill);
   p = colourAttr(p, " stroke=\"", stroke);
   p = dash(put(p, " stroke-width=\"1.5\""), dashed);
-  close(out, put(p, "/>\n"));
+  out.close(put(p, "/>\n"));
 }
 
-void writeText(std::string& out, float x, float y, float size, Colour fill, TextAnchor anchor,
+void writeTextTo(Sink& out, float x, float y, float size, Colour fill, TextAnchor anchor,
                std::string_view text) {
-  char* p = open(out, kFixedRoom + 3 * kNumberRoom + text.size() * 6);
+  char* p = out.open(kFixedRoom + 3 * kNumberRoom + text.size() * 6);
   p = attr(put(p, "<text"), " x=\"", x);
   p = attr(p, " y=\"", y);
   p = put(p, " font-family=\"");
@@ -151,54 +156,98 @@ void writeText(std::string& out, float x, float y, float size, Colour fill, Text
   p = colourAttr(p, " fill=\"", fill);
   p = put(p, anchor == TextAnchor::middle ? " text-anchor=\"middle\">" : " text-anchor=\"start\">");
   p = escaped(p, text);
-  close(out, put(p, "</text>\n"));
+  out.close(put(p, "</text>\n"));
+}
+
+}  // namespace
+
+void appendEscaped(std::string& out, std::string_view text) {
+  Sink sink(out);
+  sink.close(escaped(sink.open(text.size() * 6), text));
+}
+
+void writeRect(std::string& out, float x, float y, float w, float h, float rx, Colour fill, Colour stroke,
+               bool dashed) {
+  Sink sink(out);
+  writeRectTo(sink, x, y, w, h, rx, fill, stroke, dashed);
+}
+
+void writeEllipse(std::string& out, float cx, float cy, float rx, float ry, Colour fill, Colour stroke,
+                  float strokeWidth) {
+  Sink sink(out);
+  writeEllipseTo(sink, cx, cy, rx, ry, fill, stroke, strokeWidth);
+}
+
+void writeLine(std::string& out, float x1, float y1, float x2, float y2, Colour stroke, float strokeWidth,
+               bool dashed) {
+  Sink sink(out);
+  writeLineTo(sink, x1, y1, x2, y2, stroke, strokeWidth, dashed);
+}
+
+void writeCubic(std::string& out, const float (&v)[8], Colour stroke, float strokeWidth, bool dashed) {
+  Sink sink(out);
+  writeCubicTo(sink, v, stroke, strokeWidth, dashed);
+}
+
+void writePoints(std::string& out, bool closed, const Point* pts, std::size_t n, Colour fill, Colour stroke,
+                 bool dashed) {
+  Sink sink(out);
+  writePointsTo(sink, closed, pts, n, fill, stroke, dashed);
+}
+
+void writeText(std::string& out, float x, float y, float size, Colour fill, TextAnchor anchor,
+               std::string_view text) {
+  Sink sink(out);
+  writeTextTo(sink, x, y, size, fill, anchor, text);
 }
 
 std::string svgDocument(const DrawingList& d) {
-  std::string out;
-  out.reserve(512 + d.items.size() * 110 + d.text.size() * 2);
-  char* p = open(out, kFixedRoom + 8 * kNumberRoom);
-  p = put(p, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
-  p = attr(p, " width=\"", d.bounds.width);
-  p = attr(p, " height=\"", d.bounds.height);
-  p = writeNumber(put(p, " viewBox=\""), d.bounds.x);
-  p = writeNumber(put(p, " "), d.bounds.y);
-  p = writeNumber(put(p, " "), d.bounds.width);
-  p = writeNumber(put(p, " "), d.bounds.height);
-  p = put(p, "\">\n");
-  if (d.background) {
-    p = attr(put(p, "<rect"), " x=\"", d.bounds.x);
-    p = attr(p, " y=\"", d.bounds.y);
+  std::string result;
+  {
+    Sink out(result);
+    char* p = out.open(kFixedRoom + 8 * kNumberRoom + d.items.size() * 110 + d.text.size() * 2);
+    p = put(p, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
     p = attr(p, " width=\"", d.bounds.width);
     p = attr(p, " height=\"", d.bounds.height);
-    p = put(p, " fill=\"#FFFFFF\"/>\n");
-  }
-  close(out, p);
-  for (const Primitive& e : d.items) {
-    switch (e.kind) {
-      case PrimitiveKind::rect:
-        writeRect(out, e.v[0], e.v[1], e.v[2], e.v[3], e.v[4], e.fill, e.stroke, e.dashed);
-        break;
-      case PrimitiveKind::ellipse:
-        writeEllipse(out, e.v[0], e.v[1], e.v[2], e.v[3], e.fill, e.stroke, e.strokeWidth);
-        break;
-      case PrimitiveKind::line:
-        writeLine(out, e.v[0], e.v[1], e.v[2], e.v[3], e.stroke, e.strokeWidth, e.dashed);
-        break;
-      case PrimitiveKind::cubic:
-        writeCubic(out, e.v, e.stroke, e.strokeWidth, e.dashed);
-        break;
-      case PrimitiveKind::polygon:
-      case PrimitiveKind::polyline:
-        writePoints(out, e.kind == PrimitiveKind::polygon, d.pointsOf(e), e.count, e.fill, e.stroke, e.dashed);
-        break;
-      case PrimitiveKind::text:
-        writeText(out, e.v[0], e.v[1], e.v[2], e.fill, e.anchor, d.textOf(e));
-        break;
+    p = writeNumber(put(p, " viewBox=\""), d.bounds.x);
+    p = writeNumber(put(p, " "), d.bounds.y);
+    p = writeNumber(put(p, " "), d.bounds.width);
+    p = writeNumber(put(p, " "), d.bounds.height);
+    p = put(p, "\">\n");
+    if (d.background) {
+      p = attr(put(p, "<rect"), " x=\"", d.bounds.x);
+      p = attr(p, " y=\"", d.bounds.y);
+      p = attr(p, " width=\"", d.bounds.width);
+      p = attr(p, " height=\"", d.bounds.height);
+      p = put(p, " fill=\"#FFFFFF\"/>\n");
     }
+    out.close(p);
+    for (const Primitive& e : d.items) {
+      switch (e.kind) {
+        case PrimitiveKind::rect:
+          writeRectTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.v[4], e.fill, e.stroke, e.dashed);
+          break;
+        case PrimitiveKind::ellipse:
+          writeEllipseTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.fill, e.stroke, e.strokeWidth);
+          break;
+        case PrimitiveKind::line:
+          writeLineTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.stroke, e.strokeWidth, e.dashed);
+          break;
+        case PrimitiveKind::cubic:
+          writeCubicTo(out, e.v, e.stroke, e.strokeWidth, e.dashed);
+          break;
+        case PrimitiveKind::polygon:
+        case PrimitiveKind::polyline:
+          writePointsTo(out, e.kind == PrimitiveKind::polygon, d.pointsOf(e), e.count, e.fill, e.stroke, e.dashed);
+          break;
+        case PrimitiveKind::text:
+          writeTextTo(out, e.v[0], e.v[1], e.v[2], e.fill, e.anchor, d.textOf(e));
+          break;
+      }
+    }
+    out.close(put(out.open(8), "</svg>\n"));
   }
-  out += "</svg>\n";
-  return out;
+  return result;
 }
 
 }  // namespace modelyne::exporter
