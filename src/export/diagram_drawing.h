@@ -6,7 +6,10 @@
 ///
 ///   DrawingList d = buildDrawing(doc.nodes(), doc.edges(), {.margin = 24, .background = true});
 
+#include <cstddef>
+#include <functional>
 #include <span>
+#include <string>
 
 #include "core/diagram_kind.h"
 #include "core/model.h"
@@ -30,6 +33,14 @@ Bounds diagramBounds(std::span<const core::Node> nodes, float margin);
 /// hash index built per call.
 DrawingList buildDrawing(std::span<const core::Node> nodes, std::span<const core::Edge> edges,
                          const DrawingOptions& options);
+
+/// The same primitives in pieces of the drawing of about `pieceSize`
+/// elements (edges, then nodes), each handed to `consume` in painting order
+/// and reused afterwards; every piece carries the page bounds. Streams large
+/// diagrams without holding the whole list.
+void buildDrawingInPieces(std::span<const core::Node> nodes, std::span<const core::Edge> edges,
+                          const DrawingOptions& options, std::size_t pieceSize,
+                          const std::function<void(DrawingList&)>& consume);
 
 /// The frame's tab text: "bdd [package] Model [name]".
 std::string frameLabel(const core::DiagramFrame& frame);

@@ -12,7 +12,11 @@ std::string svgText(std::span<const core::Node> nodes, std::span<const core::Edg
   drawing.margin = options.margin;
   drawing.background = options.background;
   drawing.frame = frame;
-  return svgDocument(buildDrawing(nodes, edges, drawing));
+  // Streamed in pieces small enough to stay in cache; only the text itself grows with the diagram.
+  constexpr std::size_t kPiece = 512;
+  SvgDocumentWriter writer(1024 + (nodes.size() + edges.size()) * 300);
+  buildDrawingInPieces(nodes, edges, drawing, kPiece, [&](DrawingList& piece) { writer.add(piece); });
+  return writer.finish();
 }
 
 bool exportSvg(const std::filesystem::path& path, std::span<const core::Node> nodes,

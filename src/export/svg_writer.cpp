@@ -23,9 +23,18 @@ constexpr std::size_t kFixedRoom = 320;  // tags, attribute names, colours, font
 class Sink {
  public:
   explicit Sink(std::string& out) : out_(out), length_(out.size()) {}
+  /// Continues after `length` bytes already written to `out`, which may run ahead as room.
+  Sink(std::string& out, std::size_t length) : out_(out), length_(length) {}
   Sink(const Sink&) = delete;
   Sink& operator=(const Sink&) = delete;
-  ~Sink() { out_.resize(length_); }
+  ~Sink() {
+    if (trim_) out_.resize(length_);
+  }
+  /// Leaves the room in place for a later sink; returns the bytes written.
+  std::size_t keep() {
+    trim_ = false;
+    return length_;
+  }
 
   /// Room for `room` bytes; returns where writing starts.
   char* open(std::size_t room) {
@@ -37,6 +46,7 @@ class Sink {
  private:
   std::string& out_;
   std::size_t length_;
+  bool trim_ = true;
 };
 
 char* put(char* p, std::string_view s) {
@@ -201,53 +211,85 @@ void writeText(std::string& out, float x, float y, float size, Colour fill, Text
   writeTextTo(sink, x, y, size, fill, anchor, text);
 }
 
-std::string svgDocument(const DrawingList& d) {
-  std::string result;
-  {
-    Sink out(result);
-    char* p = out.open(kFixedRoom + 8 * kNumberRoom + d.items.size() * 110 + d.text.size() * 2);
-    p = put(p, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
+namespace {
+
+void writeHeader(Sink& out, const DrawingList& d) {
+  char* p = out.open(kFixedRoom + 8 * kNumberRoom);
+  p = put(p, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
+  p = attr(p, " width=\"", d.bounds.width);
+  p = attr(p, " height=\"", d.bounds.height);
+  p = writeNumber(put(p, " viewBox=\""), d.bounds.x);
+  p = writeNumber(put(p, " "), d.bounds.y);
+  p = writeNumber(put(p, " "), d.bounds.width);
+  p = writeNumber(put(p, " "), d.bounds.height);
+  p = put(p, "\">\n");
+  if (d.background) {
+    p = attr(put(p, "<rect"), " x=\"", d.bounds.x);
+    p = attr(p, " y=\"", d.bounds.y);
     p = attr(p, " width=\"", d.bounds.width);
     p = attr(p, " height=\"", d.bounds.height);
-    p = writeNumber(put(p, " viewBox=\""), d.bounds.x);
-    p = writeNumber(put(p, " "), d.bounds.y);
-    p = writeNumber(put(p, " "), d.bounds.width);
-    p = writeNumber(put(p, " "), d.bounds.height);
-    p = put(p, "\">\n");
-    if (d.background) {
-      p = attr(put(p, "<rect"), " x=\"", d.bounds.x);
-      p = attr(p, " y=\"", d.bounds.y);
-      p = attr(p, " width=\"", d.bounds.width);
-      p = attr(p, " height=\"", d.bounds.height);
-      p = put(p, " fill=\"#FFFFFF\"/>\n");
+    p = put(p, " fill=\"#FFFFFF\"/>\n");
+  }
+  out.close(p);
+}
+
+void writeElements(Sink& out, const DrawingList& d) {
+  for (const Primitive& e : d.items) {
+    switch (e.kind) {
+      case PrimitiveKind::rect:
+        writeRectTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.v[4], e.fill, e.stroke, e.dashed);
+        break;
+      case PrimitiveKind::ellipse:
+        writeEllipseTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.fill, e.stroke, e.strokeWidth);
+        break;
+      case PrimitiveKind::line:
+        writeLineTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.stroke, e.strokeWidth, e.dashed);
+        break;
+      case PrimitiveKind::cubic:
+        writeCubicTo(out, e.v, e.stroke, e.strokeWidth, e.dashed);
+        break;
+      case PrimitiveKind::polygon:
+      case PrimitiveKind::polyline:
+        writePointsTo(out, e.kind == PrimitiveKind::polygon, d.pointsOf(e), e.count, e.fill, e.stroke, e.dashed);
+        break;
+      case PrimitiveKind::text:
+        writeTextTo(out, e.v[0], e.v[1], e.v[2], e.fill, e.anchor, d.textOf(e));
+        break;
     }
-    out.close(p);
-    for (const Primitive& e : d.items) {
-      switch (e.kind) {
-        case PrimitiveKind::rect:
-          writeRectTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.v[4], e.fill, e.stroke, e.dashed);
-          break;
-        case PrimitiveKind::ellipse:
-          writeEllipseTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.fill, e.stroke, e.strokeWidth);
-          break;
-        case PrimitiveKind::line:
-          writeLineTo(out, e.v[0], e.v[1], e.v[2], e.v[3], e.stroke, e.strokeWidth, e.dashed);
-          break;
-        case PrimitiveKind::cubic:
-          writeCubicTo(out, e.v, e.stroke, e.strokeWidth, e.dashed);
-          break;
-        case PrimitiveKind::polygon:
-        case PrimitiveKind::polyline:
-          writePointsTo(out, e.kind == PrimitiveKind::polygon, d.pointsOf(e), e.count, e.fill, e.stroke, e.dashed);
-          break;
-        case PrimitiveKind::text:
-          writeTextTo(out, e.v[0], e.v[1], e.v[2], e.fill, e.anchor, d.textOf(e));
-          break;
-      }
-    }
+  }
+}
+
+}  // namespace
+
+SvgDocumentWriter::SvgDocumentWriter(std::size_t expectedBytes) { out_.resize(expectedBytes); }
+
+void SvgDocumentWriter::add(const DrawingList& piece) {
+  Sink out(out_, length_);
+  if (!started_) {
+    writeHeader(out, piece);
+    started_ = true;
+  }
+  writeElements(out, piece);
+  length_ = out.keep();
+}
+
+std::string SvgDocumentWriter::finish() {
+  if (!started_) add(DrawingList{});
+  {
+    Sink out(out_, length_);
     out.close(put(out.open(8), "</svg>\n"));
   }
-  return result;
+  std::string done = std::move(out_);
+  out_.clear();
+  length_ = 0;
+  started_ = false;
+  return done;
+}
+
+std::string svgDocument(const DrawingList& d) {
+  SvgDocumentWriter writer(1024 + d.items.size() * 110 + d.text.size() * 2);
+  writer.add(d);
+  return writer.finish();
 }
 
 }  // namespace modelyne::exporter

@@ -32,4 +32,21 @@ void writeText(std::string& out, float x, float y, float size, Colour fill, Text
 /// The whole SVG document of a drawing.
 std::string svgDocument(const DrawingList& drawing);
 
+/// Writes one SVG document from a drawing handed over in pieces: the
+/// header from the first piece's bounds, every piece's elements in turn,
+/// and the closing tag when finished.
+class SvgDocumentWriter {
+ public:
+  /// `expectedBytes` sizes the buffer once up front.
+  explicit SvgDocumentWriter(std::size_t expectedBytes = 0);
+  void add(const DrawingList& piece);
+  /// The finished document; the writer is empty afterwards.
+  std::string finish();
+
+ private:
+  std::string out_;
+  std::size_t length_ = 0;  ///< bytes written; out_ runs ahead of it as room
+  bool started_ = false;
+};
+
 }  // namespace modelyne::exporter

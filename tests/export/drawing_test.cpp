@@ -216,6 +216,28 @@ TEST(SvgExport, BrokenDiagramsStillGiveValidSvg) {
   EXPECT_TRUE(testing::rsvgRenders(file));
 }
 
+TEST(SvgExport, PiecesGiveTheSameDocumentAsTheWholeList) {
+  std::vector<core::Node> nodes;
+  std::vector<core::Edge> edges;
+  for (int i = 0; i < 1500; ++i) {
+    const auto type = core::shapeCatalogue()[static_cast<std::size_t>(i) % core::shapeCatalogue().size()].type;
+    nodes.push_back(makeNode("n" + std::to_string(i), type, float(i % 40) * 150, float(i / 40) * 120, 100, 60,
+                             "node " + std::to_string(i)));
+    edges.push_back(makeEdge("e" + std::to_string(i), "n" + std::to_string(i), Anchor::right,
+                             "n" + std::to_string((i * 7 + 1) % 1500), Anchor::left, static_cast<EdgeType>(i % 46),
+                             i % 2 ? "label" : ""));
+  }
+  core::DiagramFrame frame;
+  const DrawingOptions options{24.0f, true, &frame};
+  const std::string whole = svgDocument(buildDrawing(nodes, edges, options));
+  for (std::size_t piece : {std::size_t{1}, std::size_t{7}, std::size_t{512}}) {
+    SvgDocumentWriter writer;
+    buildDrawingInPieces(nodes, edges, options, piece, [&](DrawingList& part) { writer.add(part); });
+    EXPECT_EQ(writer.finish(), whole) << piece;
+  }
+  EXPECT_EQ(svgText(nodes, edges, {24.0f, true}, &frame), whole);
+}
+
 TEST(SvgExport, HugeCoordinatesStayWithinTheNumberFormat) {
   const float big = std::numeric_limits<float>::max();
   const std::vector<core::Node> nodes{makeNode("a", ShapeType::rect, -big, -big, big, big, "x"),
