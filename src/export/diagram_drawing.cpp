@@ -71,16 +71,18 @@ class NodeIdIndex {
   std::size_t mask_ = 0;
 };
 
+/// Overflow to infinity (a huge margin on huge coordinates) stops at the largest float.
 float finiteOrMax(float v) {
-  return std::isfinite(v) ? v : std::numeric_limits<float>::max();
+  if (std::isfinite(v)) return v;
+  return v < 0 ? -std::numeric_limits<float>::max() : std::numeric_limits<float>::max();
 }
 
 Bounds pageOf(const Extent& e, float margin) {
   if (!e.any || !(e.maxX >= e.minX) || !(e.maxY >= e.minY)) return kEmptyPage;
   if (!std::isfinite(margin)) margin = 0.0f;
   Bounds b;
-  b.x = e.minX - margin;
-  b.y = e.minY - margin;
+  b.x = finiteOrMax(e.minX - margin);
+  b.y = finiteOrMax(e.minY - margin);
   b.width = finiteOrMax(e.maxX - e.minX + 2 * margin);
   b.height = finiteOrMax(e.maxY - e.minY + 2 * margin);
   return b;

@@ -246,6 +246,9 @@ TEST(SvgExport, HugeCoordinatesStayWithinTheNumberFormat) {
   const std::string svg = svgText(nodes, edges, {24.0f, true});
   EXPECT_EQ(svg.find("nan"), std::string::npos);
   EXPECT_NE(svg.find("</svg>\n"), std::string::npos);
+  // Found by fuzzing: a huge margin on huge coordinates overflowed the page origin to infinity.
+  const Bounds b = diagramBounds(nodes, 3e38f);
+  EXPECT_TRUE(std::isfinite(b.x) && std::isfinite(b.y) && std::isfinite(b.width) && std::isfinite(b.height));
 }
 
 TEST(SvgExport, WriteFailureIsReportedAndLeavesNoFile) {
