@@ -1,0 +1,60 @@
+#pragma once
+/// PropertyPanel: the fields of the selected node or edge. A node shows its
+/// text, fill colour, data-integration flag and every property of its
+/// schema in display order, one editor per value kind; validated kinds
+/// (multiplicity, integer, identifier, number) show the validator's message
+/// as you type and refuse to store an invalid value. Properties the schema
+/// does not know are listed read-only. An edge shows its type, label and
+/// ports. Every change goes through the bridge.
+
+#include <QString>
+#include <QWidget>
+
+#include "core/bridge/bridge.h"
+
+class QFormLayout;
+class QLabel;
+class QScrollArea;
+
+namespace modelyne::shell {
+
+class PropertyPanel : public QWidget {
+  Q_OBJECT
+ public:
+  explicit PropertyPanel(QWidget* parent = nullptr);
+
+  /// Shows the node or edge with this id of `doc` (empty id: nothing).
+  void showElement(bridge::DocumentHandle doc, const QString& id);
+  /// Re-reads the shown element (after undo or a canvas edit), once the
+  /// current event is handled.
+  void refresh();
+  const QString& elementId() const noexcept { return id_; }
+  /// The message shown under a property's field ("" when valid).
+  QString errorFor(const QString& key) const;
+
+ signals:
+  void edited();      ///< an undoable change was made
+  void directEdit();  ///< an edge was changed in place (not undoable)
+  void message(const QString& text);
+
+ private:
+  void rebuild();
+  void buildNode(const core::Node& node);
+  void buildEdge(const core::Edge& edge);
+  void addRow(const QString& label, QWidget* field, const QString& key = {});
+  void setError(const QString& key, const QString& text);
+  /// Runs a bridge call; shows and logs a refusal; returns success.
+  template <class F>
+  bool apply(const QString& key, F&& f);
+
+  bridge::DocumentHandle doc_ = nullptr;
+  QString id_;
+  QScrollArea* scroll_ = nullptr;
+  QWidget* body_ = nullptr;
+  QFormLayout* form_ = nullptr;
+  QLabel* title_ = nullptr;
+  bool rebuilding_ = false;
+  bool refreshPending_ = false;
+};
+
+}  // namespace modelyne::shell
