@@ -107,7 +107,14 @@ int main(int argc, char** argv) {
                               "The Flight Controller sends commands to the Camera. The Pilot uses the Ground Station. "
                               "The Ground Station communicates with the Flight Controller."),
                QStringLiteral("offline"));
+  w.canvas()->clearSelection();
+  w.action(QStringLiteral("tools.review"))->trigger();
+  settle();
+  for (QWidget* top : QApplication::topLevelWidgets())
+    if (top->objectName() == QLatin1String("reviewDialog")) top->move(w.geometry().right() - top->width() - 20, w.geometry().top() + 80);
   shoot(w, QStringLiteral("ai-generate.png"));
+  for (QWidget* top : QApplication::topLevelWidgets())
+    if (top->objectName() == QLatin1String("reviewDialog")) top->close();
 
   // Dark theme.
   w.openFile(sample("stm-door-controller.xml"));
