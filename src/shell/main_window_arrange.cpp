@@ -1,5 +1,8 @@
 // Arrange commands on the canvas selection: align, distribute, flip,
 // group, ungroup and z-order, each one undo step.
+#include <algorithm>
+
+#include "core/bridge/bridge.h"
 #include "shell/canvas_view.h"
 #include "shell/i18n/strings.h"
 #include "shell/main_window.h"
@@ -42,21 +45,12 @@ void MainWindow::ungroup() {
 
 void MainWindow::reorder(int which) {
   if (!session_) return;
-  auto ids = canvas_->selectedNodeIds();  // drawing order
+  const auto ids = canvas_->selectedNodeIds();
   if (ids.empty()) return;
-  const bridge::DocumentHandle doc = session_->document();
-  // Keep the selection's own stacking: to the front bottom-most first, to
-  // the back top-most first; one step up top-most first, down bottom-most first.
-  if (which == 1 || which == 2) std::reverse(ids.begin(), ids.end());
-  for (const std::string& id : ids) {
-    switch (which) {
-      case 0: bridge::bringToFront(doc, id); break;
-      case 1: bridge::sendToBack(doc, id); break;
-      case 2: bridge::bringForward(doc, id); break;
-      default: bridge::sendBackward(doc, id); break;
-    }
-  }
-  onDocumentEdited();
+  static constexpr bridge::ZOrder kOrders[] = {bridge::ZOrder::toFront, bridge::ZOrder::toBack,
+                                                bridge::ZOrder::forward, bridge::ZOrder::backward};
+  // One gesture, one undo step, whatever the size of the selection.
+  if (bridge::reorderNodes(session_->document(), ids, kOrders[std::clamp(which, 0, 3)]) > 0) onDocumentEdited();
 }
 
 }  // namespace modelyne::shell

@@ -98,6 +98,13 @@ int ungroupNodes(DocumentHandle, std::span<const std::string> nodeIds);
 /// skipped. Returns the number of nodes and edges removed.
 std::size_t deleteElements(DocumentHandle, std::span<const std::string> nodeIds,
                            std::span<const std::string> edgeIds);
+/// Stacking changes of a selection.
+enum class ZOrder { toFront, toBack, forward, backward };
+/// Restacks every named node as one undo step, keeping the selection's own
+/// stacking (to the front bottom-most first, to the back top-most first, one
+/// step up top-most first, one step down bottom-most first). Returns how
+/// many nodes were restacked.
+std::size_t reorderNodes(DocumentHandle, std::span<const std::string> nodeIds, ZOrder order);
 /// Moves every named node by (dx, dy); returns how many moved.
 std::size_t moveNodes(DocumentHandle, std::span<const std::string> nodeIds, float dx, float dy);
 

@@ -1,6 +1,9 @@
 // Single-node operations: each checks, then pushes one command.
 
+#include <algorithm>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "core/bridge/bridge_internal.h"
 #include "core/commands.h"
@@ -101,6 +104,38 @@ void bringForward(DocumentHandle h, std::string_view nodeId) {
 
 void sendBackward(DocumentHandle h, std::string_view nodeId) {
   reorder(h, nodeId, [](int index, int) { return index - 1; });
+}
+
+std::size_t reorderNodes(DocumentHandle h, std::span<const std::string> nodeIds, ZOrder order) {
+  core::Document& doc = documentOf(h);
+  std::vector<std::pair<int, const std::string*>> members;  // (index, id), each node once
+  for (const std::string& id : nodeIds) {
+    const int index = doc.indexOfNode(id);
+    if (index >= 0) members.emplace_back(index, &id);
+  }
+  std::sort(members.begin(), members.end());
+  members.erase(std::unique(members.begin(), members.end(),
+                            [](const auto& a, const auto& b) { return a.first == b.first; }),
+                members.end());
+  if (members.empty()) return 0;
+  // In these orders a step never shifts a member that is still to come, so
+  // every target can be taken from the stacking as it is now.
+  if (order == ZOrder::toBack || order == ZOrder::forward) std::reverse(members.begin(), members.end());
+  const int count = static_cast<int>(doc.nodes().size());
+  auto composite = std::make_unique<core::CompositeCommand>();
+  for (const auto& [index, id] : members) {
+    int target = 0;
+    switch (order) {
+      case ZOrder::toFront: target = count - 1; break;
+      case ZOrder::toBack: target = 0; break;
+      case ZOrder::forward: target = index + 1; break;
+      case ZOrder::backward: target = index - 1; break;
+    }
+    composite->add(std::make_unique<core::ReorderNodeCommand>(*id, target));
+  }
+  const std::size_t changed = composite->size();
+  push(doc, std::move(composite));
+  return changed;
 }
 
 }  // namespace modelyne::bridge

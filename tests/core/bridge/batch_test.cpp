@@ -118,3 +118,27 @@ TEST_F(Batch, SetNodePropertiesChecksAllFirst) {
   bridge::undo(doc_);
   EXPECT_TRUE(bridge::findNode(doc_, req)->properties.empty());
 }
+
+TEST_F(Batch, ReorderNodesKeepsTheSelectionsStackingInOneStep) {
+  bridge::addNode(doc_, S::rect, 0, 0, 10, 10, std::nullopt, "d");
+  auto order = [&] {
+    std::string out;
+    for (const core::Node& n : doc_->nodes()) out += n.id;
+    return out;
+  };
+  const std::size_t start = doc_->history().undoCount();
+  EXPECT_EQ(bridge::reorderNodes(doc_, Ids{"c", "a", "ghost"}, bridge::ZOrder::toFront), 2u);
+  EXPECT_EQ(order(), "bdac");
+  EXPECT_EQ(doc_->history().undoCount(), start + 1);
+  bridge::undo(doc_);
+  EXPECT_EQ(order(), "abcd");
+  EXPECT_EQ(bridge::reorderNodes(doc_, Ids{"b", "d"}, bridge::ZOrder::toBack), 2u);
+  EXPECT_EQ(order(), "bdac");
+  bridge::undo(doc_);
+  EXPECT_EQ(bridge::reorderNodes(doc_, Ids{"b", "c"}, bridge::ZOrder::forward), 2u);
+  EXPECT_EQ(order(), "adbc");
+  bridge::undo(doc_);
+  EXPECT_EQ(bridge::reorderNodes(doc_, Ids{"a", "c"}, bridge::ZOrder::backward), 2u);
+  EXPECT_EQ(order(), "acbd");
+  EXPECT_EQ(bridge::reorderNodes(doc_, Ids{"ghost"}, bridge::ZOrder::toFront), 0u);
+}
