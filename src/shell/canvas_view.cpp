@@ -138,30 +138,30 @@ void CanvasView::resizeEvent(QResizeEvent*) { contentValid_ = false; }
 
 // ---- selection ----
 
-std::vector<std::string> CanvasView::selectedNodeIds() const {
+namespace {
+// The ids of a selection that still exist, in the document's order.
+template <class IndexOf>
+std::vector<std::string> inDocumentOrder(const QSet<QString>& selected, IndexOf indexOf) {
   std::vector<std::pair<int, std::string>> ordered;
-  for (const QString& id : selNodes_) {
+  for (const QString& id : selected) {
     std::string s = id.toStdString();
-    const int i = doc_ ? doc_->indexOfNode(s) : -1;
+    const int i = indexOf(s);
     if (i >= 0) ordered.emplace_back(i, std::move(s));
   }
   std::sort(ordered.begin(), ordered.end());
   std::vector<std::string> out;
+  out.reserve(ordered.size());
   for (auto& [i, s] : ordered) out.push_back(std::move(s));
   return out;
 }
+}  // namespace
+
+std::vector<std::string> CanvasView::selectedNodeIds() const {
+  return inDocumentOrder(selNodes_, [&](const std::string& id) { return doc_ ? doc_->indexOfNode(id) : -1; });
+}
 
 std::vector<std::string> CanvasView::selectedEdgeIds() const {
-  std::vector<std::pair<int, std::string>> ordered;
-  for (const QString& id : selEdges_) {
-    std::string s = id.toStdString();
-    const int i = doc_ ? doc_->indexOfEdge(s) : -1;
-    if (i >= 0) ordered.emplace_back(i, std::move(s));
-  }
-  std::sort(ordered.begin(), ordered.end());
-  std::vector<std::string> out;
-  for (auto& [i, s] : ordered) out.push_back(std::move(s));
-  return out;
+  return inDocumentOrder(selEdges_, [&](const std::string& id) { return doc_ ? doc_->indexOfEdge(id) : -1; });
 }
 
 void CanvasView::setSelection(const QSet<QString>& nodes, const QSet<QString>& edges) {
