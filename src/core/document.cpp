@@ -50,10 +50,19 @@ const Node* Document::nodeAt(int index) const noexcept {
 }
 
 bool Document::addNode(Node node) {
-  if (node.id.empty() || nodeIndex_.find(node.id) >= 0) return false;
+  if (node.id.empty()) return false;
+  // Appended first so that the index only ever points at stored elements;
+  // taken back out when the id is in use.
   nodes_.push_back(std::move(node));
-  nodeIndex_.insert(nodes_.back().id, static_cast<std::uint32_t>(nodes_.size() - 1));
-  return true;
+  bool fresh = false;
+  try {
+    fresh = nodeIndex_.insertIfAbsent(nodes_.back().id, static_cast<std::uint32_t>(nodes_.size() - 1));
+  } catch (...) {
+    nodes_.pop_back();
+    throw;
+  }
+  if (!fresh) nodes_.pop_back();
+  return fresh;
 }
 
 bool Document::insertNodeAt(int index, Node node) {
@@ -116,10 +125,19 @@ Edge* Document::findEdge(std::string_view id) noexcept {
 }
 
 bool Document::addEdge(Edge edge) {
-  if (edge.id.empty() || edgeIndex_.find(edge.id) >= 0) return false;
+  if (edge.id.empty()) return false;
+  // Appended first so that the index only ever points at stored elements;
+  // taken back out when the id is in use.
   edges_.push_back(std::move(edge));
-  edgeIndex_.insert(edges_.back().id, static_cast<std::uint32_t>(edges_.size() - 1));
-  return true;
+  bool fresh = false;
+  try {
+    fresh = edgeIndex_.insertIfAbsent(edges_.back().id, static_cast<std::uint32_t>(edges_.size() - 1));
+  } catch (...) {
+    edges_.pop_back();
+    throw;
+  }
+  if (!fresh) edges_.pop_back();
+  return fresh;
 }
 
 bool Document::insertEdgeAt(int index, Edge edge) {

@@ -34,6 +34,22 @@ class IdIndex {
     ++count_;
   }
 
+  /// Records `pos` for the id unless the id is already present; one probe
+  /// run serves both the check and the insertion. False when present.
+  bool insertIfAbsent(std::string_view id, std::uint32_t pos) {
+    if ((count_ + 1) * 2 > slots_.size()) grow();
+    const std::uint32_t h = hashOf(id);
+    std::size_t i = h & mask_;
+    for (;; i = (i + 1) & mask_) {
+      const Slot& s = slots_[i];
+      if (s.pos == kEmpty) break;
+      if (s.hash == h && items_[s.pos].id == id) return false;
+    }
+    slots_[i] = Slot{pos, h};
+    ++count_;
+    return true;
+  }
+
   /// Forgets the id (backward-shift deletion keeps probe runs intact).
   void erase(std::string_view id) noexcept {
     if (slots_.empty()) return;
