@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "export/explain.h"
+#include "explain/explain.h"
 
 namespace {
 
@@ -48,6 +48,6 @@ bool wellFormed(std::string_view csv) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view markdown(reinterpret_cast<const char*>(data), size);
-  if (!wellFormed(modelyne::exporter::markdownToCsv(markdown))) std::abort();
+  if (!wellFormed(modelyne::explain::markdownToCsv(markdown))) std::abort();
   return 0;
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 using namespace modelyne;
 

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "export/explain.h"
+#include "explain/explain.h"
 #include "synthetic.h"
 
 using namespace modelyne;
@@ -140,15 +140,15 @@ void perElement(benchmark::State& state, const Sample& s) {
 template <Kind kind>
 void BM_Explain(benchmark::State& state) {
   const Sample& s = sample(kind, static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) benchmark::DoNotOptimize(exporter::explainDiagram(s.nodes, s.edges));
+  for (auto _ : state) benchmark::DoNotOptimize(explain::explainDiagram(s.nodes, s.edges));
   perElement(state, s);
 }
 
 void BM_ExplainToMarkdownAndCsv(benchmark::State& state) {
   const Sample& s = sample(mixed, static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) {
-    const std::string md = exporter::renderMarkdown(exporter::explainDiagram(s.nodes, s.edges));
-    benchmark::DoNotOptimize(exporter::markdownToCsv(md));
+    const std::string md = explain::renderMarkdown(explain::explainDiagram(s.nodes, s.edges));
+    benchmark::DoNotOptimize(explain::markdownToCsv(md));
   }
   perElement(state, s);
 }
@@ -159,7 +159,7 @@ void BM_MarkdownToCsv(benchmark::State& state) {
   std::string md = "# Large\n\n## Section, with comma\n\n";
   for (std::size_t i = 0; i < n; ++i)
     md += "  - Part \"" + std::to_string(i) + "\" contains A, B and C.\r\n";
-  for (auto _ : state) benchmark::DoNotOptimize(exporter::markdownToCsv(md));
+  for (auto _ : state) benchmark::DoNotOptimize(explain::markdownToCsv(md));
   state.SetBytesProcessed(static_cast<std::int64_t>(md.size() * state.iterations()));
 }
 

@@ -7,7 +7,7 @@
 #include <QTest>
 #include <benchmark/benchmark.h>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 #include "io/atomic_file.h"
 #include "shell/canvas_view.h"
 #include "shell/main_window.h"

@@ -9,7 +9,7 @@
 #include "ai/interpreter.h"
 #include "ai/plan_apply.h"
 #include "ai/text_util.h"
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 namespace modelyne::ai {
 

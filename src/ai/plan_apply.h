@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "ai/plan.h"
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 #include "core/catalogue.h"
 #include "core/diagram_kind.h"
 #include "core/document.h"

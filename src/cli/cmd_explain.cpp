@@ -4,7 +4,7 @@
 #include "cli/commands.h"
 #include "cli/model_input.h"
 #include "cli/output.h"
-#include "export/explain.h"
+#include "explain/explain.h"
 
 namespace modelyne::cli {
 
@@ -25,9 +25,9 @@ constexpr std::string_view kHelp =
 int run(const Args& args) {
   expectPositionals(args, 1, 1, "explain", "a FILE");
   LoadedModel model = loadModel(args, args.positionals[0]);
-  const auto explanation = exporter::explainDiagram(model.doc->nodes(), model.doc->edges());
-  std::string text = exporter::renderMarkdown(explanation);
-  if (args.has("--csv")) text = exporter::markdownToCsv(text);
+  const auto explanation = explain::explainDiagram(model.doc->nodes(), model.doc->edges());
+  std::string text = explain::renderMarkdown(explanation);
+  if (args.has("--csv")) text = explain::markdownToCsv(text);
   writeResult(args.value("--output"), text);
   return kExitOk;
 }

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 #include "core/catalogue.h"
 #include "shell/canvas_index.h"
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <unordered_set>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 namespace modelyne::shell {
 namespace {

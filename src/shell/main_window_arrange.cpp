@@ -2,7 +2,7 @@
 // group, ungroup and z-order, each one undo step.
 #include <algorithm>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 #include "shell/canvas_view.h"
 #include "shell/i18n/strings.h"
 #include "shell/main_window.h"

@@ -9,7 +9,7 @@
 #include "check/assessment.h"
 #include "check/validate.h"
 #include "export/diagram_drawing.h"
-#include "export/explain.h"
+#include "explain/explain.h"
 #include "export/svg_export.h"
 #include "render/raster_export.h"
 #include "shell/canvas_view.h"
@@ -81,7 +81,7 @@ void MainWindow::showExplanation() {
     return;
   }
   const auto* doc = session_->document();
-  const std::string md = exporter::renderMarkdown(exporter::explainDiagram(doc->nodes(), doc->edges()));
+  const std::string md = explain::renderMarkdown(explain::explainDiagram(doc->nodes(), doc->edges()));
   auto* dlg = new ExplainDialog(md, this);
   dlg->setAttribute(Qt::WA_DeleteOnClose);
   connect(dlg, &ExplainDialog::exported, this, [this](const QString& path, bool ok, const QString& error) {

@@ -12,7 +12,7 @@
 #include <memory>
 #include <vector>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 #include "core/diagram_kind.h"
 #include "core/project.h"
 #include "io/model_file.h"

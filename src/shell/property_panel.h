@@ -10,7 +10,7 @@
 #include <QString>
 #include <QWidget>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 class QFormLayout;
 class QLabel;

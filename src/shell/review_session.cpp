@@ -1,6 +1,6 @@
 #include "shell/review_session.h"
 
-#include "core/bridge/review.h"
+#include "bridge/review.h"
 #include "shell/i18n/strings.h"
 
 namespace modelyne::shell {

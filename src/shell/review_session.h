@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 namespace modelyne::shell {
 

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 #include "sim/propagation.h"
 
 namespace modelyne::core::sim::parametric {

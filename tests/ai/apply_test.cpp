@@ -8,7 +8,7 @@
 
 #include "ai/plan_apply.h"
 #include "check/allowed_types.h"
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 namespace modelyne::ai {
 namespace {

@@ -9,7 +9,7 @@
 #include "ai/generate_flow.h"
 #include "ai/prompts.h"
 #include "check/allowed_types.h"
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 namespace modelyne::ai {
 

@@ -3,7 +3,7 @@
 #include <QListWidget>
 #include <gtest/gtest.h>
 
-#include "core/bridge/review.h"
+#include "bridge/review.h"
 #include "shell/findings_panel.h"
 #include "shell/review_session.h"
 #include "shell_test_support.h"

@@ -11,9 +11,7 @@
 
 #include "sim/diagram_builder.h"
 #include "sim/propagation.h"
-#ifdef MODELYNE_SIM_HAVE_IO
 #include "io/diagram_reader.h"
-#endif
 
 namespace {
 
@@ -95,7 +93,6 @@ void expectStoppingDistance(const PropagationResult& r) {
 
 TEST(Propagation, StoppingDistanceBuiltInCode) { expectStoppingDistance(run(modelyne::test::stoppingDistanceDiagram())); }
 
-#ifdef MODELYNE_SIM_HAVE_IO
 TEST(Propagation, StoppingDistanceSampleFile) {
   std::ifstream in(MODELYNE_SOURCE_DIR "/samples/par-stopping-distance.xml", std::ios::binary);
   ASSERT_TRUE(in) << "sample missing";
@@ -105,7 +102,6 @@ TEST(Propagation, StoppingDistanceSampleFile) {
   ASSERT_TRUE(content.has_value());
   expectStoppingDistance(propagate(content->nodes, content->edges));
 }
-#endif
 
 TEST(Propagation, ResolvesNamesWithoutParameters) {
   // Names with no parameter mean value properties of that name; other names

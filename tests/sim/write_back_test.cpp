@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 #include "sim/diagram_builder.h"
 #include "sim/propagation.h"
 #include "sim/write_back.h"

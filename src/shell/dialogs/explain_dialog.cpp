@@ -6,7 +6,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
-#include "export/explain.h"
+#include "explain/explain.h"
 #include "io/atomic_file.h"
 #include "shell/i18n/strings.h"
 
@@ -40,7 +40,7 @@ bool ExplainDialog::exportMarkdown(const QString& path, QString* error) const {
 
 bool ExplainDialog::exportCsv(const QString& path, QString* error) const {
   std::string err;
-  const bool ok = io::writeFileAtomic(path.toStdString(), exporter::markdownToCsv(markdown_), &err);
+  const bool ok = io::writeFileAtomic(path.toStdString(), explain::markdownToCsv(markdown_), &err);
   if (!ok && error) *error = QString::fromStdString(err);
   return ok;
 }

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "core/bridge/bridge_internal.h"
+#include "bridge/bridge_internal.h"
 #include "core/commands.h"
 
 namespace modelyne::bridge {

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "core/model.h"
-#include "export/explain.h"
+#include "explain/explain.h"
 
-namespace modelyne::exporter::testing {
+namespace modelyne::explain::testing {
 
 struct Diagram {
   std::vector<core::Node> nodes;
@@ -46,4 +46,4 @@ struct Diagram {
   }
 };
 
-}  // namespace modelyne::exporter::testing
+}  // namespace modelyne::explain::testing

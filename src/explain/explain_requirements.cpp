@@ -1,8 +1,8 @@
 // The requirements section: the requirements with their ids, one line per
 // trace read "source verb target", and the requirements nothing traces.
-#include "export/explain_detail.h"
+#include "explain/explain_detail.h"
 
-namespace modelyne::exporter::explain_detail {
+namespace modelyne::explain::detail {
 
 namespace {
 
@@ -60,4 +60,4 @@ std::string requirementsBody(const DiagramView& view) {
   return joinBlocks(lines);
 }
 
-}  // namespace modelyne::exporter::explain_detail
+}  // namespace modelyne::explain::detail

@@ -12,7 +12,7 @@
 
 #include "core/model.h"
 
-namespace modelyne::exporter {
+namespace modelyne::explain {
 
 /// What a diagram is mainly about, decided by a vote of its nodes and edges.
 enum class ExplanationClass { general = 0, structural, behavioral, interaction, requirements };
@@ -49,4 +49,4 @@ std::string markdownToCsv(std::string_view markdown);
 std::string_view classWord(ExplanationClass cls) noexcept;
 std::string_view classShortName(ExplanationClass cls) noexcept;
 
-}  // namespace modelyne::exporter
+}  // namespace modelyne::explain

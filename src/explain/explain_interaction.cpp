@@ -5,9 +5,9 @@
 #include <limits>
 #include <unordered_map>
 
-#include "export/explain_detail.h"
+#include "explain/explain_detail.h"
 
-namespace modelyne::exporter::explain_detail {
+namespace modelyne::explain::detail {
 
 namespace {
 
@@ -171,4 +171,4 @@ std::string interactionBody(const DiagramView& view) {
   return joinBlocks(lines);
 }
 
-}  // namespace modelyne::exporter::explain_detail
+}  // namespace modelyne::explain::detail

@@ -2,9 +2,9 @@
 // of each explanation class. Tables only; lookups are by value.
 #include <array>
 
-#include "export/explain_detail.h"
+#include "explain/explain_detail.h"
 
-namespace modelyne::exporter::explain_detail {
+namespace modelyne::explain::detail {
 
 namespace {
 
@@ -232,4 +232,4 @@ const ClassTexts& classTexts(ExplanationClass cls) noexcept {
   return kClassTexts[value];
 }
 
-}  // namespace modelyne::exporter::explain_detail
+}  // namespace modelyne::explain::detail

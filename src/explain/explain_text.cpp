@@ -1,8 +1,8 @@
 // The diagram index every section reads, and the small text helpers they share.
 
-#include "export/explain_detail.h"
+#include "explain/explain_detail.h"
 
-namespace modelyne::exporter::explain_detail {
+namespace modelyne::explain::detail {
 
 namespace {
 
@@ -80,7 +80,7 @@ DiagramView::DiagramView(std::span<const core::Node> ns, std::span<const core::E
     const std::int64_t t = index.find(e.target);
     source.push_back(s);
     target.push_back(t);
-    edgeTraits.push_back(&explain_detail::edgeTraits(e.type));
+    edgeTraits.push_back(&detail::edgeTraits(e.type));
     if (s >= 0) ++degreeOfOwner[static_cast<std::size_t>(s)];
     if (t >= 0) ++degreeOfOwner[static_cast<std::size_t>(t)];
   }
@@ -167,4 +167,4 @@ std::string joinBlocks(const std::vector<std::string>& lines) {
   return out;
 }
 
-}  // namespace modelyne::exporter::explain_detail
+}  // namespace modelyne::explain::detail

@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 #include "core/batch_commands.h"
-#include "core/bridge/bridge_internal.h"
+#include "bridge/bridge_internal.h"
 #include "core/commands.h"
 #include "io/property_schema.h"
 

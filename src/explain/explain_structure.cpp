@@ -2,9 +2,9 @@
 // ports and the relationships by kind.
 #include <array>
 
-#include "export/explain_detail.h"
+#include "explain/explain_detail.h"
 
-namespace modelyne::exporter::explain_detail {
+namespace modelyne::explain::detail {
 
 namespace {
 
@@ -173,4 +173,4 @@ std::string structuralBody(const DiagramView& view) {
   return joinBlocks(lines);
 }
 
-}  // namespace modelyne::exporter::explain_detail
+}  // namespace modelyne::explain::detail

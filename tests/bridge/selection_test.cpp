@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 using namespace modelyne;
 using S = core::ShapeType;

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "core/model.h"
-#include "export/explain.h"
+#include "explain/explain.h"
 
-namespace modelyne::exporter::explain_detail {
+namespace modelyne::explain::detail {
 
 /// What a node does in the class sections.
 enum class NodeRole : std::uint8_t {
@@ -111,4 +111,4 @@ std::string behavioralBody(const DiagramView& view);
 std::string interactionBody(const DiagramView& view);
 std::string requirementsBody(const DiagramView& view);
 
-}  // namespace modelyne::exporter::explain_detail
+}  // namespace modelyne::explain::detail

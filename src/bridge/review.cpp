@@ -1,4 +1,4 @@
-#include "core/bridge/review.h"
+#include "bridge/review.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 // The behavioral section: where execution starts, the primary flow walked from
 // the start, the decisions and forks with their branches, and where it ends.
-#include "export/explain_detail.h"
+#include "explain/explain_detail.h"
 
-namespace modelyne::exporter::explain_detail {
+namespace modelyne::explain::detail {
 
 namespace {
 
@@ -170,4 +170,4 @@ std::string behavioralBody(const DiagramView& view) {
   return joinBlocks(lines);
 }
 
-}  // namespace modelyne::exporter::explain_detail
+}  // namespace modelyne::explain::detail

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 namespace modelyne::bridge::detail {
 

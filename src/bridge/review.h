@@ -18,7 +18,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 namespace modelyne::bridge {
 

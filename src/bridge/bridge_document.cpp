@@ -1,6 +1,6 @@
 // Documents, files, history and queries.
 
-#include "core/bridge/bridge_internal.h"
+#include "bridge/bridge_internal.h"
 #include "io/diagram_reader.h"
 #include "io/diagram_writer.h"
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 using namespace modelyne;
 using bridge::BridgeError;

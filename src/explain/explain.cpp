@@ -1,15 +1,15 @@
 // Classification, the sections every explanation has, and Markdown rendering.
-#include "export/explain.h"
+#include "explain/explain.h"
 
 #include <array>
 
-#include "export/explain_detail.h"
+#include "explain/explain_detail.h"
 
-namespace modelyne::exporter {
+namespace modelyne::explain {
 
 namespace {
 
-using explain_detail::DiagramView;
+using detail::DiagramView;
 
 // One vote per node and per edge; ties go to the class scanned first.
 ExplanationClass classify(const DiagramView& view) {
@@ -34,9 +34,9 @@ std::string overviewBody(const DiagramView& view, ExplanationClass cls) {
   std::string out = "This is a ";
   out += classWord(cls);
   out += " diagram containing ";
-  out += explain_detail::countPhrase(view.nodes.size(), "node");
+  out += detail::countPhrase(view.nodes.size(), "node");
   out += " and ";
-  out += explain_detail::countPhrase(view.edges.size(), "edge");
+  out += detail::countPhrase(view.edges.size(), "edge");
   out += '.';
   return out;
 }
@@ -48,7 +48,7 @@ std::string connectivityBody(const DiagramView& view) {
   for (const core::Node& n : view.nodes) {
     if (n.text.empty()) continue;
     out += named == 0 ? "Key elements: " : ", ";
-    out += explain_detail::oneLine(n.text);
+    out += detail::oneLine(n.text);
     if (++named == kKeyElements) break;
   }
   if (named > 0) out += ".\n";
@@ -78,10 +78,10 @@ std::string connectivityBody(const DiagramView& view) {
 
 std::string classBody(const DiagramView& view, ExplanationClass cls) {
   switch (cls) {
-    case ExplanationClass::structural: return explain_detail::structuralBody(view);
-    case ExplanationClass::behavioral: return explain_detail::behavioralBody(view);
-    case ExplanationClass::interaction: return explain_detail::interactionBody(view);
-    case ExplanationClass::requirements: return explain_detail::requirementsBody(view);
+    case ExplanationClass::structural: return detail::structuralBody(view);
+    case ExplanationClass::behavioral: return detail::behavioralBody(view);
+    case ExplanationClass::interaction: return detail::interactionBody(view);
+    case ExplanationClass::requirements: return detail::requirementsBody(view);
     case ExplanationClass::general: break;
   }
   return {};
@@ -90,18 +90,18 @@ std::string classBody(const DiagramView& view, ExplanationClass cls) {
 }  // namespace
 
 std::string_view classWord(ExplanationClass cls) noexcept {
-  return explain_detail::classTexts(cls).word;
+  return detail::classTexts(cls).word;
 }
 
 std::string_view classShortName(ExplanationClass cls) noexcept {
-  return explain_detail::classTexts(cls).shortName;
+  return detail::classTexts(cls).shortName;
 }
 
 Explanation explainDiagram(std::span<const core::Node> nodes, std::span<const core::Edge> edges) {
   const DiagramView view(nodes, edges);
   Explanation out;
   out.cls = classify(view);
-  const explain_detail::ClassTexts& texts = explain_detail::classTexts(out.cls);
+  const detail::ClassTexts& texts = detail::classTexts(out.cls);
   out.title = std::string(texts.title);
   out.sections.push_back({"Overview", overviewBody(view, out.cls)});
   if (out.cls != ExplanationClass::general)
@@ -125,4 +125,4 @@ std::string renderMarkdown(const Explanation& explanation) {
   return out;
 }
 
-}  // namespace modelyne::exporter
+}  // namespace modelyne::explain

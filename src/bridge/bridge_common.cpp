@@ -1,6 +1,6 @@
 #include <unordered_set>
 
-#include "core/bridge/bridge_internal.h"
+#include "bridge/bridge_internal.h"
 
 namespace modelyne::bridge::detail {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "core/bridge/bridge_internal.h"
+#include "bridge/bridge_internal.h"
 #include "core/commands.h"
 
 namespace modelyne::bridge {

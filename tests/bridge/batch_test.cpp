@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/bridge/bridge.h"
+#include "bridge/bridge.h"
 
 using namespace modelyne;
 using S = core::ShapeType;

@@ -10,7 +10,7 @@
 
 #include "explain_fixture.h"
 
-namespace modelyne::exporter {
+namespace modelyne::explain {
 namespace {
 
 using core::EdgeType;
@@ -97,4 +97,4 @@ TEST(ExplainCsv, PythonCsvReadsTheRowsBack) {
 }
 
 }  // namespace
-}  // namespace modelyne::exporter
+}  // namespace modelyne::explain

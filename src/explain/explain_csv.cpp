@@ -1,8 +1,8 @@
 // Markdown explanation to two-column CSV: one record per line of content,
 // first column the title marker or the section heading.
-#include "export/explain.h"
+#include "explain/explain.h"
 
-namespace modelyne::exporter {
+namespace modelyne::explain {
 
 namespace {
 
@@ -61,4 +61,4 @@ std::string markdownToCsv(std::string_view markdown) {
   return out;
 }
 
-}  // namespace modelyne::exporter
+}  // namespace modelyne::explain

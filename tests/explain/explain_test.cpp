@@ -4,7 +4,7 @@
 
 #include "explain_fixture.h"
 
-namespace modelyne::exporter {
+namespace modelyne::explain {
 namespace {
 
 using core::EdgeType;
@@ -201,4 +201,4 @@ TEST(Explain, SameDiagramSameBytes) {
 }
 
 }  // namespace
-}  // namespace modelyne::exporter
+}  // namespace modelyne::explain

@@ -3,7 +3,7 @@
 
 #include "explain_fixture.h"
 
-namespace modelyne::exporter {
+namespace modelyne::explain {
 namespace {
 
 using core::EdgeType;
@@ -210,4 +210,4 @@ TEST(ExplainRequirements, TracesReadFromSourceToTarget) {
 }
 
 }  // namespace
-}  // namespace modelyne::exporter
+}  // namespace modelyne::explain

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/bridge/bridge_internal.h"
+#include "bridge/bridge_internal.h"
 #include "core/commands.h"
 #include "io/property_schema.h"
 
