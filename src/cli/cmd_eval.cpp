@@ -1,5 +1,6 @@
 // modelyne eval: one parametric expression, or the propagation over a
 // parametric diagram.
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cctype>
@@ -12,7 +13,9 @@
 #include "cli/model_input.h"
 #include "cli/output.h"
 #include "sim/compiled_expression.h"
+#include "io/xml_escape.h"
 #include "sim/expression.h"
+#include "sim/number_text.h"
 #include "sim/propagation.h"
 
 namespace modelyne::cli {
@@ -37,20 +40,32 @@ constexpr std::string_view kHelp =
     "name, value before, value after, detail.\n"
     "\n"
     "exit status: 0 done; 1 a name was unresolved or the values did not\n"
-    "settle; 2 error (a syntax error prints its message).\n"
+    "settle; 2 error (a syntax error prints its message and column; in a file,\n"
+    "an equation that does not parse is reported as FILE:LINE, node and\n"
+    "column, and the values that could be computed are still printed).\n"
     "\n"
     "examples:\n"
     "  modelyne eval 'mass * g' --var mass=1500 --var g=9.81\n"
     "  modelyne eval samples/par-stopping-distance.xml --trace\n";
 
-// The names the trace events go by, indexed by code - 1.
-constexpr std::array<std::string_view, 6> kTraceNames{
-    "valueRead", "equationEvaluated", "valueChanged", "converged", "parseError", "unresolvedName"};
+std::string number(double v) { return core::sim::shortestNumberText(v); }
 
-std::string number(double v) {
-  char buf[64];
-  const auto r = std::to_chars(buf, buf + sizeof buf, v);
-  return std::string(buf, r.ptr);
+// The line of the file on which node `id`'s element starts, 0 when it cannot
+// be found (a diagram embedded in escaped form).
+unsigned nodeLine(const LoadedModel& model, const std::string& id) {
+  const std::string& xml = model.file.project.models[model.index].diagramXml;
+  const std::string attribute = " id=\"" + io::escapeXml(id) + "\"";
+  std::size_t at = 0;
+  for (;; at += attribute.size()) {
+    at = xml.find(attribute, at);
+    if (at == std::string::npos) return 0;
+    const std::size_t open = xml.rfind('<', at);
+    if (open != std::string::npos && xml.compare(open, 6, "<node ") == 0) break;
+  }
+  const std::size_t base = model.file.text.find(xml);
+  if (base == std::string::npos) return 0;
+  const auto lines = [](std::string_view text) { return static_cast<unsigned>(std::count(text.begin(), text.end(), '\n')); };
+  return 1 + lines(std::string_view(model.file.text).substr(0, base)) + lines(std::string_view(xml).substr(0, at));
 }
 
 bool isName(std::string_view s) {
@@ -90,7 +105,7 @@ int evalExpression(const Args& args, const std::string& text) {
         if (!table.contains(name)) missing.push_back(name);
     }
   } catch (const par::ParseError& e) {
-    throw CliError(e.what());
+    throw CliError("column " + std::to_string(e.column()) + ": " + e.what());
   } catch (const std::out_of_range&) {
     throw CliError("number out of range");
   } catch (const std::invalid_argument&) {
@@ -110,18 +125,28 @@ int evalModel(const Args& args, const std::string& fileArg) {
   for (const par::ValueEntry& v : result.values) out += v.name + " = " + number(v.value) + "\n";
   if (args.has("--trace")) {
     for (const par::TraceEvent& e : result.trace) {
-      const auto code = static_cast<std::size_t>(e.code);
-      const std::string_view name = code >= 1 && code <= kTraceNames.size() ? kTraceNames[code - 1] : "event";
-      out += std::to_string(e.sequence) + " " + std::string(name) + " \"" + e.name + "\" " +
+      out += std::to_string(e.sequence) + " " + std::string(par::traceCodeName(e.code)) + " \"" + e.name + "\" " +
              number(e.before) + " " + number(e.after) + " " + std::to_string(e.detail) + "\n";
     }
   }
   writeResult(std::nullopt, out);
 
-  for (const par::PropagationError& e : result.errors)
+  bool unparsed = false;
+  for (const par::PropagationError& e : result.errors) {
+    if (!e.syntaxError.empty()) {
+      // An equation that does not parse is an error in the file, not a
+      // finding: its values are missing, so the result is incomplete.
+      unparsed = true;
+      const std::string column = e.column > 0 ? "column " + std::to_string(e.column) + ": " : "";
+      diagnostic("modelyne: error: " + located(model.file.name, nodeLine(model, e.nodeId),
+                                               "node '" + e.nodeId + "' equation: " + column + e.syntaxError));
+      continue;
+    }
     diagnostic("modelyne: " + located(model.file.name, 0, (e.nodeId.empty() ? "" : "node '" + e.nodeId + "': ") + e.message));
+  }
   for (const std::string& name : result.unresolved) diagnostic("modelyne: unresolved name: " + name);
   if (!result.converged) diagnostic("modelyne: the values did not settle");
+  if (unparsed) return kExitError;
   return result.converged && result.unresolved.empty() ? kExitOk : kExitNegative;
 }
 

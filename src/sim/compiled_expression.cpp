@@ -24,6 +24,9 @@ constexpr std::uint32_t kStackStack = 0, kStackConst = 1, kStackVar = 2, kConstS
 constexpr std::uint32_t kPushConst = kOperationCount * kFormCount;
 constexpr std::uint32_t kPushVar = kPushConst + 1;
 constexpr std::uint32_t kNegate = kPushConst + 2;
+// "^2": the top of the stack squared, or a variable squared and pushed.
+constexpr std::uint32_t kSquare = kPushConst + 3;
+constexpr std::uint32_t kSquareVar = kPushConst + 4;
 
 constexpr std::uint32_t opcode(std::uint32_t op, std::uint32_t form) noexcept {
   return op * kFormCount + form;
@@ -35,7 +38,7 @@ inline double apply(std::uint32_t op, double a, double b) noexcept {
     case kSub: return a - b;
     case kMul: return a * b;
     case kDiv: return detail::divide(a, b);
-    default: return std::pow(a, b);
+    default: return detail::power(a, b);
   }
 }
 
@@ -66,7 +69,17 @@ class Compiler {
   Value subtract(Value a, Value b) { return binary(kSub, a, b); }
   Value multiply(Value a, Value b) { return binary(kMul, a, b); }
   Value divide(Value a, Value b) { return binary(kDiv, a, b); }
-  Value power(Value a, Value b) { return binary(kPow, a, b); }
+  Value power(Value a, Value b) {
+    if (b.kind == Value::kConstant && b.number == 2.0 && a.kind != Value::kConstant) {
+      if (a.kind == Value::kVariable) {
+        emit(kSquareVar, a.index, 1);
+      } else {
+        emit(kSquare, 0, 0);
+      }
+      return stacked();
+    }
+    return binary(kPow, a, b);
+  }
   Value negate(Value a) {
     if (a.kind == Value::kConstant) return {Value::kConstant, -a.number, 0};
     load(a);
@@ -140,7 +153,7 @@ inline double applyOp(double a, double b) noexcept {
   else if constexpr (Op == kSub) return a - b;
   else if constexpr (Op == kMul) return a * b;
   else if constexpr (Op == kDiv) return detail::divide(a, b);
-  else return std::pow(a, b);
+  else return detail::power(a, b);
 }
 
 // One flat switch over every opcode: the hot loop of repeated evaluation.
@@ -166,6 +179,8 @@ double execute(const std::vector<CompiledExpression::Instruction>& code, const d
 #undef MODELYNE_SIM_FORMS
       case kPushConst: *sp++ = constants[in.arg]; break;
       case kPushVar: *sp++ = slots[in.arg]; break;
+      case kSquare: sp[-1] = detail::square(sp[-1]); break;
+      case kSquareVar: *sp++ = detail::square(slots[in.arg]); break;
       default: sp[-1] = -sp[-1]; break;  // kNegate
     }
   }

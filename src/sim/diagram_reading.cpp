@@ -190,7 +190,12 @@ class Reader {
 
  private:
   void error(std::size_t node, std::string message) {
-    model_.errors.push_back({nodes_[node].id, std::move(message)});
+    model_.errors.push_back({nodes_[node].id, std::move(message), {}, 0});
+  }
+  // Marks the error just reported as an expression that does not parse.
+  void syntaxError(std::string_view message, std::size_t column) {
+    model_.errors.back().syntaxError = std::string(message);
+    model_.errors.back().column = column;
   }
 
   void classify() {
@@ -462,6 +467,7 @@ class Reader {
         const auto assign = line.find('=');
         if (assign == std::string_view::npos) {
           error(h.node, where + "expected target = expression.");
+          syntaxError("expected target = expression", line.size() + 1);
           model_.equations.push_back(std::move(eq));
           continue;
         }
@@ -470,6 +476,7 @@ class Reader {
         eq.info.target = std::string(target);
         if (!isName(target)) {
           error(h.node, where + "the target " + quoted(target) + " is not a name.");
+          syntaxError("the target is not a name", 1);  // the line is trimmed: the target starts it
           model_.equations.push_back(std::move(eq));
           continue;
         }
@@ -478,15 +485,20 @@ class Reader {
           Parser<NameSink>(expression, names).parse();
         } catch (const ParseError& e) {
           eq.errorOffset = e.position();
-          error(h.node, where + e.what() + " at column " + std::to_string(assign + 2 + e.position()) + ".");
+          // The expression starts right after the "=" of the line.
+          const std::size_t column = assign + 1 + e.column();
+          error(h.node, where + e.what() + " at column " + std::to_string(column) + ".");
+          syntaxError(e.what(), column);
           model_.equations.push_back(std::move(eq));
           continue;
         } catch (const std::out_of_range&) {
           error(h.node, where + "a number is out of range.");
+          syntaxError("number out of range", 0);
           model_.equations.push_back(std::move(eq));
           continue;
         } catch (const std::invalid_argument&) {
           error(h.node, where + "a number has no digits.");
+          syntaxError("invalid number", 0);
           model_.equations.push_back(std::move(eq));
           continue;
         }

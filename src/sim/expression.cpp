@@ -87,7 +87,7 @@ class EvaluatingSink {
   static double subtract(double a, double b) noexcept { return a - b; }
   static double multiply(double a, double b) noexcept { return a * b; }
   static double divide(double a, double b) noexcept { return detail::divide(a, b); }
-  static double power(double a, double b) noexcept { return std::pow(a, b); }
+  static double power(double a, double b) noexcept { return detail::power(a, b); }
   static double negate(double a) noexcept { return -a; }
 
   bool unresolved = false;

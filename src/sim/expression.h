@@ -18,15 +18,18 @@ namespace modelyne::core::sim::parametric {
 using VariableTable = std::unordered_map<std::string, double>;
 
 /// A syntax error. `what()` is exactly one of "unexpected end",
-/// "missing ')'", "unexpected character" or "trailing input"; `position()`
-/// is the byte offset in the expression text where the fault was found.
-/// Nesting deeper than `kMaxNestingDepth` is reported as "unexpected
-/// character" at the opening "(" or "^" that goes too deep.
+/// "missing ')'", "unexpected character" or "trailing input", or, for
+/// nesting deeper than `kMaxNestingDepth`, "nesting too deep" at the opening
+/// "(" or "^" that goes too deep. `position()` is the byte offset in the
+/// expression text where the fault was found; `column()` is the same place
+/// counted from 1 (everything the parser accepts is ASCII, so bytes and
+/// characters agree up to the fault).
 class ParseError : public std::runtime_error {
  public:
   ParseError(const char* message, std::size_t position)
       : std::runtime_error(message), position_(position) {}
   std::size_t position() const noexcept { return position_; }
+  std::size_t column() const noexcept { return position_ + 1; }
 
  private:
   std::size_t position_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <iterator>
 #include <set>
 
 #include "sim/detail/diagram_model.h"
@@ -142,7 +143,7 @@ class Pass {
     try {
       e = EvaluateExpression(eq.expression, table_);
     } catch (const std::exception& ex) {  // checked when read; kept for safety
-      model_.errors.push_back({eq.info.nodeId, "Equation \"" + eq.info.text + "\": " + ex.what()});
+      model_.errors.push_back({eq.info.nodeId, "Equation \"" + eq.info.text + "\": " + ex.what(), ex.what(), 0});
       event(TraceCode::parseError, target.name, kNaN, kNaN, 0);
       return 0.0;
     }
@@ -190,7 +191,9 @@ class Pass {
       model_.errors.push_back({model_.equations[g.equations.front()].info.nodeId,
                                "The cycle through " + quotedTargets(g) + " did not settle within " +
                                    std::to_string(kIterationLimit) + " sweeps (last change " +
-                                   std::to_string(change) + ")."});
+                                   std::to_string(change) + ").",
+                               {},
+                               0});
     }
     return change;
   }
@@ -239,7 +242,16 @@ class Pass {
   std::set<std::string> unresolved_;
 };
 
+// The names of the trace event codes, indexed by code - 1.
+constexpr std::string_view kTraceCodeNames[] = {"valueRead",  "equationEvaluated", "valueChanged",
+                                                "converged",  "parseError",        "unresolvedName"};
+
 }  // namespace
+
+std::string_view traceCodeName(TraceCode code) noexcept {
+  const auto index = static_cast<std::size_t>(code) - 1;
+  return index < std::size(kTraceCodeNames) ? kTraceCodeNames[index] : "event";
+}
 
 const ValueEntry* PropagationResult::find(std::string_view name) const noexcept {
   for (const auto& v : values)

@@ -77,6 +77,11 @@ enum class TraceCode : std::uint32_t {
   unresolvedName = 6,
 };
 
+/// The name of a trace event code as tools print it ("valueRead",
+/// "equationEvaluated", "valueChanged", "converged", "parseError",
+/// "unresolvedName"); "event" for a code outside the table.
+std::string_view traceCodeName(TraceCode code) noexcept;
+
 struct TraceEvent {
   TraceCode code;
   std::string name;
@@ -110,7 +115,13 @@ struct ValueEntry {
 /// A problem found in the diagram, with the node it concerns.
 struct PropagationError {
   std::string nodeId;
-  std::string message;
+  std::string message;  ///< a whole sentence, for showing as it is
+  /// For an equation whose expression does not parse: the evaluator's own
+  /// message ("unexpected end", "number out of range", ...); empty otherwise.
+  std::string syntaxError;
+  /// Where that fault is: the 1-based column in the equation line as
+  /// written, 0 when the fault has no place (a number out of range).
+  std::size_t column = 0;
 };
 
 struct PropagationResult {

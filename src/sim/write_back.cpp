@@ -1,29 +1,19 @@
 #include "sim/write_back.h"
 
-#include <charconv>
 #include <cmath>
 #include <string>
 #include <vector>
 
+#include "sim/number_text.h"
+
 namespace modelyne::core::sim::parametric {
-
-namespace {
-
-// Shortest text that reads back to the same double.
-std::string formatValue(double v) {
-  char buffer[32];
-  const auto r = std::to_chars(buffer, buffer + sizeof buffer, v);
-  return std::string(buffer, r.ptr);
-}
-
-}  // namespace
 
 std::size_t writeBackValues(bridge::DocumentHandle document, const PropagationResult& result) {
   if (document == nullptr) throw bridge::BridgeError(bridge::kInvalidArgument, "Document handle is null");
   std::vector<bridge::PropertyChange> changes;
   for (const ValueEntry& v : result.values) {
     if (v.equation < 0 || !v.known || !std::isfinite(v.value)) continue;
-    const std::string text = formatValue(v.value);
+    const std::string text = shortestNumberText(v.value);
     for (const std::string& id : v.valueNodeIds) {
       const Node* node = document->findNode(id);
       if (node == nullptr) continue;

@@ -198,12 +198,14 @@ TEST(CliEval, ExpressionValuesAndErrors) {
   }
   EXPECT_EQ(runTool({"eval", "a + b * a", "--var", "b=1"}).err, "modelyne: unresolved name: a\n");
 
-  // Syntax errors print the parser's message.
-  const std::pair<const char*, const char*> errors[] = {
-      {"1 +", "unexpected end"},
-      {"(1 + 2", "missing ')'"},
-      {"#1", "unexpected character"},
-      {"1 2", "trailing input"},
+  // Syntax errors print the parser's message after its column.
+  const std::pair<std::string, const char*> errors[] = {
+      {"1 +", "column 4: unexpected end"},
+      {"(1 + 2", "column 7: missing ')'"},
+      {"#1", "column 1: unexpected character"},
+      {"1 2", "column 3: trailing input"},
+      {"1 + * 2", "column 5: unexpected character"},
+      {std::string(300, '(') + "1", "column 201: nesting too deep"},
   };
   for (const auto& [expr, message] : errors) {
     const ToolRun r = runTool({"eval", expr});
@@ -212,6 +214,33 @@ TEST(CliEval, ExpressionValuesAndErrors) {
     EXPECT_EQ(r.out, "");
   }
   EXPECT_EQ(runTool({"eval", "x", "--var", "x=abc"}).exitCode, 2);
+}
+
+// An equation that does not parse: located error, the other values still
+// printed, exit 2.
+TEST(CliEval, FileWithAnEquationThatDoesNotParse) {
+  const std::string xml =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+      "<diagram formatVersion=\"1.0\" xmlns=\"modelyne:diagram\">\n"
+      "  <node id=\"v\" type=\"sysmlValueProperty\">\n"
+      "    <geom x=\"0\" y=\"0\" w=\"100\" h=\"40\"/>\n"
+      "    <text>a = 2</text>\n"
+      "  </node>\n"
+      "  <node id=\"good\" type=\"sysmlConstraintProperty\">\n"
+      "    <geom x=\"200\" y=\"0\" w=\"100\" h=\"40\"/>\n"
+      "    <text>double</text>\n"
+      "    <property key=\"equation\" value=\"b = a * 2\"/>\n"
+      "  </node>\n"
+      "  <node id=\"bad\" type=\"sysmlConstraintProperty\">\n"
+      "    <geom x=\"400\" y=\"0\" w=\"100\" h=\"40\"/>\n"
+      "    <text>broken</text>\n"
+      "    <property key=\"equation\" value=\"c = a + * 2\"/>\n"
+      "  </node>\n"
+      "</diagram>\n";
+  const ToolRun r = runTool({"eval", "-"}, xml);
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_EQ(r.out, "a = 2\ndouble.b = 4\n");
+  EXPECT_EQ(r.err, "modelyne: error: <stdin>:12: node 'bad' equation: column 9: unexpected character\n");
 }
 
 TEST(CliFormat, CanonicalFormIsStableAndPipes) {

@@ -1,5 +1,6 @@
 // The expression language: values, precedence, the deliberate rules
-// (zero divisor, sign before "^", unknown names) and the four syntax errors.
+// (zero divisor, sign before "^", unknown names), the four syntax errors
+// and the nesting limit, with the place of the fault.
 
 #include <gtest/gtest.h>
 
@@ -117,6 +118,7 @@ const ErrorCase kErrorCases[] = {
     {"0x10", "trailing input", 1},
     {"\xC3\xA9", "unexpected character", 0},
     {"2 ** 3", "unexpected character", 3},
+    {"1 + * 2", "unexpected character", 4},
 };
 
 TEST(EvaluateExpression, ReportsSyntaxErrors) {
@@ -134,7 +136,24 @@ TEST(EvaluateExpression, ReportsSyntaxErrors) {
       ADD_FAILURE() << "compiled without error";
     } catch (const ParseError& e) {
       EXPECT_STREQ(e.what(), c.message);
+      EXPECT_EQ(e.position(), c.position);
     }
+  }
+}
+
+TEST(EvaluateExpression, SyntaxErrorsCarryTheirColumn) {
+  try {
+    EvaluateExpression("1 + * 2", kTable);
+    ADD_FAILURE() << "no error";
+  } catch (const ParseError& e) {
+    EXPECT_EQ(e.column(), 5u);
+  }
+  try {
+    CompiledExpression::compile("\t(x");
+    ADD_FAILURE() << "no error";
+  } catch (const ParseError& e) {
+    EXPECT_STREQ(e.what(), "missing ')'");
+    EXPECT_EQ(e.column(), 4u);
   }
 }
 
@@ -156,13 +175,21 @@ TEST(EvaluateExpression, RefusesAbsurdNestingWithoutExhaustingTheStack) {
     EvaluateExpression(tooDeep, kTable);
     ADD_FAILURE() << "no error";
   } catch (const ParseError& e) {
-    EXPECT_STREQ(e.what(), "unexpected character");
+    EXPECT_STREQ(e.what(), "nesting too deep");
     EXPECT_EQ(e.position(), static_cast<std::size_t>(deep));
   }
   std::string tower = "2";
   for (int i = 0; i < 100000; ++i) tower += "^1";
-  EXPECT_THROW(EvaluateExpression(tower, kTable), ParseError);
-  EXPECT_THROW(CompiledExpression::compile(tower), ParseError);
+  for (int compiled = 0; compiled < 2; ++compiled) {
+    try {
+      if (compiled) CompiledExpression::compile(tower);
+      else EvaluateExpression(tower, kTable);
+      ADD_FAILURE() << "no error";
+    } catch (const ParseError& e) {
+      EXPECT_STREQ(e.what(), "nesting too deep");
+      EXPECT_EQ(e.column(), 2u * kMaxNestingDepth + 2);  // the "^" after 200 of them
+    }
+  }
 
   // A long run of signs is no nesting at all.
   EXPECT_EQ(EvaluateExpression(std::string(100001, '-') + "4", kTable).value, -4.0);

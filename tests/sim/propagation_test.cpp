@@ -217,6 +217,14 @@ TEST(Propagation, ReportsProblemsWithoutStopping) {
       "c: Constraint 'calc', equation \"w = 1e999\": a number is out of range.",
   };
   EXPECT_EQ(errorTexts(r), expected);
+  // Equations that do not parse also say so in fields: the evaluator's
+  // message and the column in the line.
+  std::vector<std::string> syntax;
+  for (const auto& e : r.errors)
+    if (!e.syntaxError.empty()) syntax.push_back(std::to_string(e.column) + " " + e.syntaxError);
+  EXPECT_EQ(syntax, (std::vector<std::string>{"13 unexpected end", "8 unexpected character",
+                                              "15 expected target = expression", "1 the target is not a name",
+                                              "0 number out of range"}));
   // "x = 1" is the first equation for x that parses, so it stands.
   EXPECT_EQ(valueOf(r, "calc.x"), 1.0);
   EXPECT_EQ(valueOf(r, "calc.z"), 2.0);

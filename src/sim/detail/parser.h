@@ -4,7 +4,10 @@
 // the same errors. `Sink` decides what an operand or operation produces: a
 // number (evaluation) or code (compilation). Internal to modelyne_sim.
 
+#include <bit>
+#include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "sim/expression.h"
@@ -26,6 +29,53 @@ double convertLiteral(std::string_view literal);
 /// The zero-divisor rule: dividing by exactly zero gives 0.0.
 inline double divide(double a, double b) noexcept { return b == 0.0 ? 0.0 : a / b; }
 
+/// The standard library's power function. The exponent goes through a
+/// volatile so that the optimiser cannot turn pow(x, 2.0) into x * x, which
+/// the library's pow does not always equal.
+inline double libraryPower(double base, double exponent) noexcept {
+  const volatile double hidden = exponent;
+  return std::pow(base, hidden);
+}
+
+// Where the square of x and the error of its rounding are both exact
+// doubles (no overflow, no underflow in Dekker's product).
+inline constexpr double kSquareFastMin = 0x1p-450;
+inline constexpr double kSquareFastMax = 0x1p+500;
+// Veltkamp's constant: splits a double into two halves of 26 bits.
+inline constexpr double kSplitter = 0x1p27 + 1.0;
+// The rounded product x * x is the library's pow(x, 2) unless the exact
+// square lies near the midpoint between two doubles, where pow (within 0.52
+// units in the last place of the exact value, not always correctly
+// rounded) may round the other way. At most this far from the product, in
+// units of the spacing below it, the square is safely away from a midpoint.
+inline constexpr double kSquareSafeError = 0.45;
+
+/// `libraryPower(x, 2.0)`, bit for bit: one multiplication when the exact
+/// square is clearly nearer to the product than to any other double, the
+/// library otherwise (about one value in ten, and zero, subnormal, huge,
+/// infinite and NaN bases).
+inline double square(double x) noexcept {
+  const double product = x * x;
+  const double magnitude = std::fabs(x);
+  if (magnitude >= kSquareFastMin && magnitude <= kSquareFastMax) {
+    const double c = kSplitter * x;
+    const double high = c - (c - x);
+    const double low = x - high;
+    const double error = ((high * high - product) + 2.0 * high * low) + low * low;  // exact
+    // The spacing of doubles just below the product (half the usual one when
+    // the product is a power of two): its exponent, times 2^-52.
+    constexpr std::uint64_t kExponentBits = 0x7FF0000000000000u;
+    const double spacing =
+        std::bit_cast<double>((std::bit_cast<std::uint64_t>(product) - 1) & kExponentBits) * 0x1p-52;
+    if (std::fabs(error) <= kSquareSafeError * spacing) return product;
+  }
+  return libraryPower(x, 2.0);
+}
+
+/// "^": the standard library's power function; the square, by far the most
+/// common exponent, mostly without calling it.
+inline double power(double a, double b) noexcept { return b == 2.0 ? square(a) : libraryPower(a, b); }
+
 template <class Sink>
 class Parser {
  public:
@@ -36,11 +86,13 @@ class Parser {
   Value parse() {
     Value v = expression();
     skipBlanks();
-    if (pos_ < text_.size()) throw ParseError("trailing input", pos_);
+    if (pos_ < text_.size()) fail("trailing input");
     return v;
   }
 
  private:
+  [[noreturn]] void fail(const char* message) const { throw ParseError(message, pos_); }
+
   void skipBlanks() noexcept {
     while (pos_ < text_.size() && isBlank(text_[pos_])) ++pos_;
   }
@@ -53,7 +105,7 @@ class Parser {
     return false;
   }
   void enter() {
-    if (++depth_ > kMaxNestingDepth) throw ParseError("unexpected character", pos_);
+    if (++depth_ > kMaxNestingDepth) fail("nesting too deep");
   }
 
   Value expression() {
@@ -122,14 +174,14 @@ class Parser {
 
   Value primary() {
     skipBlanks();
-    if (pos_ >= text_.size()) throw ParseError("unexpected end", pos_);
+    if (pos_ >= text_.size()) fail("unexpected end");
     const char c = text_[pos_];
     if (c == '(') {
       enter();
       ++pos_;
       Value v = expression();
       skipBlanks();
-      if (pos_ >= text_.size() || text_[pos_] != ')') throw ParseError("missing ')'", pos_);
+      if (pos_ >= text_.size() || text_[pos_] != ')') fail("missing ')'");
       ++pos_;
       --depth_;
       return v;
@@ -140,7 +192,7 @@ class Parser {
       while (pos_ < text_.size() && isNameChar(text_[pos_])) ++pos_;
       return sink_.name(text_.substr(start, pos_ - start), start);
     }
-    throw ParseError("unexpected character", pos_);
+    fail("unexpected character");
   }
 
   // Digits with at most one ".", then an exponent marker when some character
