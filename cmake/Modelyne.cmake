@@ -38,8 +38,14 @@ function(modelyne_fuzzer target)
 endfunction()
 
 # modelyne_bench(<target> SOURCES ... LIBS ...)
+# A Google Benchmark program; scripts/bench runs every bench_* program and
+# passes Google Benchmark's options to those made here.
 function(modelyne_bench target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  if(NOT target MATCHES "^bench_")
+    message(FATAL_ERROR "benchmark program ${target}: name it bench_<subsystem>... so that scripts/bench runs it")
+  endif()
+  set_property(GLOBAL APPEND PROPERTY MODELYNE_GOOGLE_BENCHMARKS ${target})
   add_executable(${target} ${ARG_SOURCES})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/bench)
   target_link_libraries(${target} PRIVATE ${ARG_LIBS} benchmark::benchmark)

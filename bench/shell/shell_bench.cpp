@@ -18,7 +18,7 @@ namespace {
 
 QApplication& app() {
   static int argc = 1;
-  static char name[] = "shell_bench";
+  static char name[] = "bench_shell";
   static char* argv[] = {name, nullptr};
   static QApplication* a = [] {
     qputenv("QT_QPA_PLATFORM", "offscreen");
