@@ -9,203 +9,17 @@
 #include <unordered_set>
 #include <vector>
 
+#include "ai/name_words.h"
 #include "ai/text_util.h"
+#include "ai/tokens.h"
 #include "ai/word_tables.h"
 
 namespace modelyne::ai {
 
 namespace {
 
-// ---- extra word classes used only to delimit names ----
-
-// Auxiliaries, modals and common adverbs: never part of a name, skipped
-// between a subject and its verb.
-constexpr std::string_view kFillerWords[] = {
-    "can", "will", "shall", "must", "should", "may", "might", "could", "would", "does", "do", "did",
-    "cannot", "never", "always", "only", "directly", "periodically", "continuously", "automatically",
-    "optionally", "typically", "usually", "immediately", "wirelessly", "electrically", "mechanically",
-};
-constexpr std::string_view kNegations[] = {"not", "no", "never", "cannot"};
-// Words that may stand before a noun phrase without belonging to its name.
-constexpr std::string_view kDeterminers[] = {"a", "an", "the", "this", "that", "these", "those", "its", "their",
-                                             "our", "your", "my", "his", "her", "each", "every", "some", "any",
-                                             "both", "either", "neither", "also", "such"};
-// Stop words that may stand between a subject and its verb.
-constexpr std::string_view kVerbLead[] = {"is", "are", "was", "were", "be", "been", "being", "also", "then", "not",
-                                          "no"};
-constexpr std::string_view kPronouns[] = {"it", "they", "this", "that", "these", "those", "he", "she", "we"};
-// Leading quantity words dropped from a name ("four motors" is "Motors").
-constexpr std::string_view kQuantityWords[] = {"one", "two", "three", "four", "five", "six", "seven", "eight",
-                                               "nine", "ten", "eleven", "twelve", "several", "multiple", "many",
-                                               "few", "various", "numerous", "all"};
-
 // Longest list of subjects or objects of one verb that becomes edges.
 constexpr std::size_t kMaxListItems = 64;
-
-template <std::size_t N>
-bool inList(const std::string_view (&list)[N], std::string_view w) noexcept {
-  for (std::string_view x : list)
-    if (x == w) return true;
-  return false;
-}
-
-// ---- tokens ----
-
-enum class TokType : std::uint8_t { Word, Quoted, Verb, Conj, Stop, Filler, Sep };
-
-struct Token {
-  std::string_view text;  // as written; the inner text for a quoted name
-  std::string lower;
-  bool capitalised = false;
-  TokType type = TokType::Word;
-  char sep = 0;
-  const RelationVerb* verb = nullptr;
-  std::optional<PlanNodeKind> role;
-};
-
-bool isHigh(char c) noexcept { return static_cast<unsigned char>(c) >= 0x80; }
-bool isWordChar(char c) noexcept { return text::isAlnum(c) || c == '_' || c == '-' || isHigh(c); }
-bool isLetterOrDigit(char c) noexcept { return text::isAlnum(c) || isHigh(c); }
-
-// Length of a multi-byte punctuation or space sequence at i (general
-// punctuation U+2000..U+206F, no-break space), or 0.
-std::size_t unicodePunctuation(std::string_view s, std::size_t i) noexcept {
-  const auto b = [&](std::size_t k) { return static_cast<unsigned char>(s[k]); };
-  if (i + 2 < s.size() && b(i) == 0xE2 && (b(i + 1) == 0x80 || b(i + 1) == 0x81)) return 3;
-  if (i + 1 < s.size() && b(i) == 0xC2 && b(i + 1) == 0xA0) return 2;
-  return 0;
-}
-
-std::optional<PlanNodeKind> roleOf(const WordTables& tables, std::string_view lower) {
-  if (const PlanNodeKind* k = tables.roleNoun(lower)) return *k;
-  // Plural forms name the same role ("sensors", "activities").
-  if (lower.size() > 3 && lower.back() == 's') {
-    if (lower.size() > 4 && lower.ends_with("ies")) {
-      std::string singular(lower.substr(0, lower.size() - 3));
-      singular += 'y';
-      if (const PlanNodeKind* k = tables.roleNoun(singular)) return *k;
-    }
-    if (const PlanNodeKind* k = tables.roleNoun(lower.substr(0, lower.size() - 1))) return *k;
-  }
-  return std::nullopt;
-}
-
-bool isAcronym(std::string_view w) noexcept {
-  bool upper = false;
-  for (char c : w) {
-    if (text::isUpper(c)) upper = true;
-    else if (!(c >= '0' && c <= '9')) return false;
-  }
-  return upper && w.size() >= 2;
-}
-
-void classify(const WordTables& tables, Token& t, bool firstInSentence) {
-  const std::string_view w = t.lower;
-  // A capitalised word inside a sentence, or an acronym ("CAN", "IT"), is
-  // part of a name even when it spells a verb, a modal or a stop word.
-  const bool named = isAcronym(t.text) || (t.capitalised && !firstInSentence);
-  if (const RelationVerb* v = tables.relationVerb(w); v && !named) {
-    t.type = TokType::Verb;
-    t.verb = v;
-  } else if (w == "and" || w == "or") {
-    t.type = TokType::Conj;
-  } else if (tables.isStopWord(w) && !isAcronym(t.text)) {
-    t.type = TokType::Stop;
-  } else if (inList(kFillerWords, w) && !named) {
-    t.type = TokType::Filler;
-  } else {
-    t.type = TokType::Word;
-    t.role = roleOf(tables, w);
-  }
-}
-
-void pushWord(std::vector<Token>& out, std::string_view word, TokType type) {
-  Token t;
-  t.text = word;
-  t.lower = text::lower(word);
-  t.capitalised = text::isUpper(word.front());
-  t.type = type;
-  out.push_back(std::move(t));
-}
-
-// Cuts one sentence into tokens; clause punctuation becomes Sep tokens.
-void tokenize(const WordTables& tables, std::string_view s, std::vector<Token>& out) {
-  out.clear();
-  std::size_t i = 0;
-  while (i < s.size()) {
-    const char c = s[i];
-    if (text::isSpace(c)) {
-      ++i;
-    } else if (c == '(' || c == ')' || c == ',' || c == ':' || c == ';') {
-      Token t;
-      t.type = TokType::Sep;
-      t.sep = c;
-      out.push_back(std::move(t));
-      ++i;
-    } else if (c == '"' || c == '\'') {
-      if (c == '\'' && i > 0 && isLetterOrDigit(s[i - 1])) {
-        // An apostrophe inside a word ("driver's", "don't"): drop the
-        // ending, keep the word before it.
-        ++i;
-        while (i < s.size() && isWordChar(s[i])) ++i;
-        continue;
-      }
-      const std::size_t close = s.find(c, i + 1);
-      if (close == std::string_view::npos) {
-        ++i;  // an unmatched mark quotes nothing
-        continue;
-      }
-      const std::string_view inner = text::trim(s.substr(i + 1, close - i - 1));
-      if (!inner.empty()) pushWord(out, inner, TokType::Quoted);
-      i = close + 1;
-    } else if (const std::size_t len = unicodePunctuation(s, i); len != 0) {
-      i += len;
-    } else if (isWordChar(c)) {
-      std::size_t j = i;
-      while (j < s.size() && isWordChar(s[j]) && unicodePunctuation(s, j) == 0) ++j;
-      std::string_view word = s.substr(i, j - i);
-      while (!word.empty() && !isLetterOrDigit(word.front())) word.remove_prefix(1);
-      while (!word.empty() && !isLetterOrDigit(word.back())) word.remove_suffix(1);
-      if (!word.empty()) pushWord(out, word, TokType::Word);
-      i = j;
-    } else {
-      ++i;  // other punctuation separates words
-    }
-  }
-  bool first = true;
-  for (Token& t : out) {
-    if (t.type == TokType::Word) classify(tables, t, first);
-    if (t.type == TokType::Quoted) {
-      // A quoted name takes the role of the role noun at its head.
-      std::optional<PlanNodeKind> role;
-      std::size_t p = 0;
-      const std::string_view in = t.lower;
-      while (p < in.size()) {
-        while (p < in.size() && !isLetterOrDigit(in[p])) ++p;
-        std::size_t q = p;
-        while (q < in.size() && isWordChar(in[q])) ++q;
-        if (q > p) {
-          const std::string_view w = in.substr(p, q - p);
-          const bool identifier = w.find_first_of("0123456789") != std::string_view::npos || w.size() == 1;
-          if (auto r = roleOf(tables, w)) role = r;
-          else if (!identifier) role.reset();
-        }
-        p = q;
-      }
-      t.role = role;
-    }
-    if (t.type != TokType::Sep) first = false;
-  }
-  // "use case" names a use case, not a use of a case.
-  for (std::size_t k = 0; k + 1 < out.size(); ++k) {
-    if (out[k].type == TokType::Verb && out[k].lower == "use" && out[k + 1].type == TokType::Word &&
-        (out[k + 1].lower == "case" || out[k + 1].lower == "cases")) {
-      out[k].type = TokType::Word;
-      out[k].verb = nullptr;
-      out[k + 1].role = PlanNodeKind::UseCase;
-    }
-  }
-}
 
 // ---- sentence structure ----
 
@@ -226,13 +40,21 @@ struct Run {
   int node = -1;
 };
 
-// A reference to an entity: a run of the current sentence (>= 0) or an
-// existing plan node (-(index + 1)).
-using Ref = int;
+// An entity a relation names: a run of the current sentence's tokens, or a
+// node already in the plan (through a pronoun or an earlier sentence).
+struct EntityRef {
+  enum class Source : std::uint8_t { run, node };
+  Source source;
+  std::uint32_t index;  // into the sentence's runs, or into the plan's nodes
+
+  static EntityRef ofRun(std::uint32_t run) noexcept { return {Source::run, run}; }
+  static EntityRef ofNode(int node) noexcept { return {Source::node, static_cast<std::uint32_t>(node)}; }
+  bool isRun() const noexcept { return source == Source::run; }
+};
 
 struct Relation {
-  std::vector<Ref> subjects;
-  std::vector<Ref> objects;
+  std::vector<EntityRef> subjects;
+  std::vector<EntityRef> objects;
   PlanEdgeKind kind;
   int labelRun = -1;
   bool reverse = false;
@@ -257,7 +79,7 @@ class Interpreter {
   bool isRun(std::size_t e) const { return e < elems_.size() && elems_[e].type == ElemType::Run; }
   bool isDeterminer(std::size_t e) const {
     const Token* t = tokenAt(e);
-    return t && t->type == TokType::Stop && inList(kDeterminers, t->lower);
+    return t && t->type == TokType::Stop && words::isDeterminer(t->lower);
   }
   bool isPreposition(std::size_t e) const {
     const Token* t = tokenAt(e);
@@ -277,9 +99,9 @@ class Interpreter {
     return t && t->type == TokType::Filler;
   }
   std::optional<PlanNodeKind> headRole(const Run& r) const;
-  std::optional<PlanNodeKind> kindOf(Ref r) const {
-    if (r < 0) return plan_.nodes[static_cast<std::size_t>(-r - 1)].kind;
-    const Run& run = runs_[static_cast<std::size_t>(r)];
+  std::optional<PlanNodeKind> kindOf(EntityRef r) const {
+    if (!r.isRun()) return plan_.nodes[r.index].kind;
+    const Run& run = runs_[r.index];
     if (run.kindOverride) return run.kindOverride;
     if (auto k = headRole(run)) return k;
     return run.inherited;
@@ -300,10 +122,10 @@ class Interpreter {
   std::vector<Run> runs_;
   std::vector<Elem> elems_;
   std::size_t firstRunElem_ = 0;   // element index of the sentence's first run
-  std::vector<Ref> lastSubjects_;  // of the last relation, within the sentence
-  std::vector<Ref> lastObjects_;
-  std::vector<Ref> previousSubjects_;  // of the sentence before, as node references
-  std::vector<Ref> previousObjects_;
+  std::vector<EntityRef> lastSubjects_;  // of the last relation, within the sentence
+  std::vector<EntityRef> lastObjects_;
+  std::vector<EntityRef> previousSubjects_;  // of the sentence before, as node references
+  std::vector<EntityRef> previousObjects_;
 };
 
 void Interpreter::buildElements() {
@@ -329,7 +151,7 @@ void Interpreter::buildElements() {
       r.end = static_cast<std::uint32_t>(i);
       // A last word in -s right before a determiner is a verb the tables do
       // not know ("the controller monitors the sensor"): not part of the name.
-      if (r.end - r.begin >= 2 && i < n && tokens_[i].type == TokType::Stop && inList(kDeterminers, tokens_[i].lower)) {
+      if (r.end - r.begin >= 2 && i < n && tokens_[i].type == TokType::Stop && words::isDeterminer(tokens_[i].lower)) {
         Token& last = tokens_[r.end - 1];
         const std::string_view w = last.lower;
         if (!last.capitalised && w.size() > 3 && w.back() == 's' && !w.ends_with("ss") && !w.ends_with("us") &&
@@ -394,7 +216,7 @@ std::string Interpreter::labelOf(const Run& r) const {
   if (tokens_[r.begin].type == TokType::Quoted) return std::string(tokens_[r.begin].text);
   std::uint32_t b = r.begin;
   while (b + 1 < r.end &&
-         (inList(kQuantityWords, tokens_[b].lower) ||
+         (words::isQuantity(tokens_[b].lower) ||
           tokens_[b].lower.find_first_not_of("0123456789") == std::string::npos))
     ++b;
   std::string label;
@@ -421,9 +243,9 @@ void Interpreter::subjectsOf(std::size_t vi, Relation& rel, bool& negated) const
   while (j > 0) {
     const Token* t = tokenAt(j - 1);
     const bool skip = isAside(j - 1) || (t && t->type == TokType::Filler) ||
-                      (t && t->type == TokType::Stop && inList(kVerbLead, t->lower));
+                      (t && t->type == TokType::Stop && words::leadsVerb(t->lower));
     if (!skip) break;
-    if (t && inList(kNegations, t->lower)) negated = true;
+    if (t && words::isNegation(t->lower)) negated = true;
     --j;
   }
   if (j == 0) return;
@@ -434,19 +256,19 @@ void Interpreter::subjectsOf(std::size_t vi, Relation& rel, bool& negated) const
     if (!lastSubjects_.empty()) {
       rel.subjects = lastSubjects_;
     } else {
-      if (firstRunElem_ < e) rel.subjects.push_back(static_cast<Ref>(elems_[firstRunElem_].index));
+      if (firstRunElem_ < e) rel.subjects.push_back(EntityRef::ofRun(elems_[firstRunElem_].index));
     }
     return;
   }
-  if (t && t->type == TokType::Stop && inList(kPronouns, t->lower)) {
+  if (t && t->type == TokType::Stop && words::isPronoun(t->lower)) {
     // "it" names one thing: the single subject before, else the single
     // object before; a plural pronoun takes all earlier subjects.
     const bool singular = t->lower == "it" || t->lower == "this" || t->lower == "that" || t->lower == "he" ||
                           t->lower == "she";
-    const std::vector<Ref>& subjects = lastSubjects_.empty() ? previousSubjects_ : lastSubjects_;
-    const std::vector<Ref>& objects = lastSubjects_.empty() ? previousObjects_ : lastObjects_;
+    const std::vector<EntityRef>& subjects = lastSubjects_.empty() ? previousSubjects_ : lastSubjects_;
+    const std::vector<EntityRef>& objects = lastSubjects_.empty() ? previousObjects_ : lastObjects_;
     // "it" is not a person: an actor is skipped.
-    const auto thing = [&](const std::vector<Ref>& refs) {
+    const auto thing = [&](const std::vector<EntityRef>& refs) {
       return refs.size() == 1 && (!singular || t->lower != "it" || kindOf(refs[0]) != PlanNodeKind::Actor);
     };
     if (!singular) rel.subjects = subjects;
@@ -455,7 +277,7 @@ void Interpreter::subjectsOf(std::size_t vi, Relation& rel, bool& negated) const
     return;
   }
   if (!isRun(e)) return;
-  std::vector<Ref> found{static_cast<Ref>(elems_[e].index)};
+  std::vector<EntityRef> found{EntityRef::ofRun(elems_[e].index)};
   bool sawConj = false;
   std::size_t k = e;  // elements before k are still to read
   for (;;) {
@@ -472,7 +294,7 @@ void Interpreter::subjectsOf(std::size_t vi, Relation& rel, bool& negated) const
     }
     while (m > 0 && isDeterminer(m - 1)) --m;
     if (m == 0 || !isRun(m - 1)) break;
-    found.push_back(static_cast<Ref>(elems_[m - 1].index));
+    found.push_back(EntityRef::ofRun(elems_[m - 1].index));
     k = m - 1;
   }
   rel.subjects.assign(found.rbegin(), found.rend());
@@ -481,7 +303,7 @@ void Interpreter::subjectsOf(std::size_t vi, Relation& rel, bool& negated) const
 bool Interpreter::objectsOf(std::size_t vi, Relation& rel) {
   const Token& verb = tokens_[elems_[vi].index];
   std::size_t k = skipForward(vi + 1);
-  std::vector<Ref> items;
+  std::vector<EntityRef> items;
   std::string_view preposition;
   if (verb.verb->takesPreposition) {
     if (isPreposition(k)) {
@@ -490,10 +312,10 @@ bool Interpreter::objectsOf(std::size_t vi, Relation& rel) {
     } else if (isRun(k)) {
       const std::size_t after = skipForward(k + 1);
       if (isPreposition(after)) {
-        const auto r = static_cast<Ref>(elems_[k].index);
+        const auto r = EntityRef::ofRun(elems_[k].index);
         // What is sent is the edge's label; what is connected is an object.
-        if (rel.kind == PlanEdgeKind::Flow && tokens_[runs_[static_cast<std::size_t>(r)].begin].type != TokType::Quoted) {
-          rel.labelRun = r;
+        if (rel.kind == PlanEdgeKind::Flow && tokens_[runs_[r.index].begin].type != TokType::Quoted) {
+          rel.labelRun = static_cast<int>(r.index);
         } else {
           items.push_back(r);
         }
@@ -510,7 +332,7 @@ bool Interpreter::objectsOf(std::size_t vi, Relation& rel) {
     rel.objects = std::move(items);
     return !rel.objects.empty();
   }
-  std::vector<Ref> list{static_cast<Ref>(elems_[k].index)};
+  std::vector<EntityRef> list{EntityRef::ofRun(elems_[k].index)};
   std::size_t keep = 1;  // items confirmed by a conjunction
   bool sawConj = false;
   ++k;
@@ -518,13 +340,13 @@ bool Interpreter::objectsOf(std::size_t vi, Relation& rel) {
     while (isAside(k)) ++k;
     if (list.size() == 1 && !sawConj && isSep(k, ':')) {
       // "has three subsystems: power, propulsion and navigation"
-      Run& category = runs_[static_cast<std::size_t>(list[0])];
-      std::vector<Ref> named;
+      Run& category = runs_[list[0].index];
+      std::vector<EntityRef> named;
       std::size_t m = k + 1;
       for (;;) {
         m = skipForward(m);
         if (!isRun(m)) break;
-        named.push_back(static_cast<Ref>(elems_[m].index));
+        named.push_back(EntityRef::ofRun(elems_[m].index));
         ++m;
         const Token* c = tokenAt(m);
         if (!c || !(c->type == TokType::Conj || (c->type == TokType::Sep && c->sep == ','))) break;
@@ -534,7 +356,7 @@ bool Interpreter::objectsOf(std::size_t vi, Relation& rel) {
       if (!named.empty()) {
         if (tokens_[category.begin].type != TokType::Quoted) category.role = RunRole::Category;
         const std::optional<PlanNodeKind> kind = headRole(category);
-        for (Ref r : named) runs_[static_cast<std::size_t>(r)].inherited = kind;
+        for (EntityRef r : named) runs_[r.index].inherited = kind;
         list = std::move(named);
         keep = list.size();
       }
@@ -556,7 +378,7 @@ bool Interpreter::objectsOf(std::size_t vi, Relation& rel) {
     if (isPreposition(m) && sawConj) ++m;  // "to the display and to the logger"
     m = skipForward(m);
     if (!isRun(m)) break;
-    list.push_back(static_cast<Ref>(elems_[m].index));
+    list.push_back(EntityRef::ofRun(elems_[m].index));
     if (sawConj) keep = list.size();
     k = m + 1;
   }
@@ -643,12 +465,12 @@ void Interpreter::sentence(std::string_view s) {
       // "Also include the battery": an object without a subject is still
       // something the user named.
       if (hasObjects && !negated)
-        for (Ref r : rel.objects) runs_[static_cast<std::size_t>(r)].role = RunRole::Entity;
+        for (EntityRef r : rel.objects) runs_[r.index].role = RunRole::Entity;
       continue;
     }
-    for (Ref r : rel.subjects)
-      if (r >= 0) runs_[static_cast<std::size_t>(r)].role = RunRole::Entity;
-    for (Ref r : rel.objects) runs_[static_cast<std::size_t>(r)].role = RunRole::Entity;
+    for (EntityRef r : rel.subjects)
+      if (r.isRun()) runs_[r.index].role = RunRole::Entity;
+    for (EntityRef r : rel.objects) runs_[r.index].role = RunRole::Entity;
     if (rel.labelRun >= 0) runs_[static_cast<std::size_t>(rel.labelRun)].role = RunRole::Label;
     lastSubjects_ = rel.subjects;
     lastObjects_ = rel.objects;
@@ -668,11 +490,11 @@ void Interpreter::sentence(std::string_view s) {
   }
 
   for (const Relation& rel : relations) {
-    const auto nodeOf = [&](Ref r) { return r >= 0 ? runs_[static_cast<std::size_t>(r)].node : -r - 1; };
+    const auto nodeOf = [&](EntityRef r) { return r.isRun() ? runs_[r.index].node : static_cast<int>(r.index); };
     std::string label;
     if (rel.labelRun >= 0) label = wordsOf(runs_[static_cast<std::size_t>(rel.labelRun)]);
-    for (Ref s : rel.subjects) {
-      for (Ref o : rel.objects) {
+    for (EntityRef s : rel.subjects) {
+      for (EntityRef o : rel.objects) {
         int from = nodeOf(s);
         int to = nodeOf(o);
         if (rel.reverse) std::swap(from, to);
@@ -687,11 +509,11 @@ void Interpreter::sentence(std::string_view s) {
   }
 
   // References into this sentence become node references for the next.
-  const auto asNodes = [&](const std::vector<Ref>& refs) {
-    std::vector<Ref> out;
-    for (Ref r : refs) {
-      const int node = r >= 0 ? runs_[static_cast<std::size_t>(r)].node : -r - 1;
-      if (node >= 0) out.push_back(-(node + 1));
+  const auto asNodes = [&](const std::vector<EntityRef>& refs) {
+    std::vector<EntityRef> out;
+    for (EntityRef r : refs) {
+      const int node = r.isRun() ? runs_[r.index].node : static_cast<int>(r.index);
+      if (node >= 0) out.push_back(EntityRef::ofNode(node));
     }
     return out;
   };
@@ -701,7 +523,7 @@ void Interpreter::sentence(std::string_view s) {
   } else {
     previousSubjects_.clear();
     previousObjects_.clear();
-    if (firstEntity >= 0) previousSubjects_.push_back(-(firstEntity + 1));
+    if (firstEntity >= 0) previousSubjects_.push_back(EntityRef::ofNode(firstEntity));
   }
 }
 
