@@ -15,11 +15,12 @@ namespace {
 constexpr std::uint32_t kAdd = 0, kSub = 1, kMul = 2, kDiv = 3, kPow = 4, kOperationCount = 5;
 
 // Forms of a binary operation by where its operands live: both on the
-// stack; the right one a constant or a variable; or the left one a constant
-// or a variable with the right one on the stack. Fusing the load of an
-// operand into the operation halves the instructions executed.
+// stack; the right one a constant or a variable; the left one a constant or
+// a variable with the right one on the stack; or neither on the stack (two
+// variables, or a variable and a constant), the result pushed. Fusing the
+// loads of operands into the operation halves the instructions executed.
 constexpr std::uint32_t kStackStack = 0, kStackConst = 1, kStackVar = 2, kConstStack = 3,
-                        kVarStack = 4, kFormCount = 5;
+                        kVarStack = 4, kVarVar = 5, kVarConst = 6, kConstVar = 7, kFormCount = 8;
 
 constexpr std::uint32_t kPushConst = kOperationCount * kFormCount;
 constexpr std::uint32_t kPushVar = kPushConst + 1;
@@ -74,7 +75,7 @@ class Compiler {
       if (a.kind == Value::kVariable) {
         emit(kSquareVar, a.index, 1);
       } else {
-        emit(kSquare, 0, 0);
+        emit(kSquare, 0, 0);  // a is on the stack
       }
       return stacked();
     }
@@ -95,6 +96,15 @@ class Compiler {
   Value binary(std::uint32_t op, Value a, Value b) {
     if (a.kind == Value::kConstant && b.kind == Value::kConstant)
       return {Value::kConstant, apply(op, a.number, b.number), 0};
+    if (a.kind != Value::kStacked && b.kind != Value::kStacked) {
+      if (b.kind == Value::kVariable) {
+        if (a.kind == Value::kVariable) emit(opcode(op, kVarVar), a.index, 1, b.index);
+        else emit(opcode(op, kConstVar), constant(a.number), 1, b.index);
+      } else {
+        emit(opcode(op, kVarConst), a.index, 1, constant(b.number));
+      }
+      return stacked();
+    }
     if (a.kind != Value::kStacked && b.kind == Value::kStacked) {
       // The right operand is already on the stack: take the left one inline.
       if (a.kind == Value::kConstant) emit(opcode(op, kConstStack), constant(a.number), 0);
@@ -120,8 +130,8 @@ class Compiler {
     return static_cast<std::uint32_t>(out_.constants_.size() - 1);
   }
 
-  void emit(std::uint32_t op, std::uint32_t arg, int stackEffect) {
-    out_.code_.push_back({op, arg});
+  void emit(std::uint32_t op, std::uint32_t arg, int stackEffect, std::uint32_t arg2 = 0) {
+    out_.code_.push_back({op, arg, arg2});
     depth_ += stackEffect;
     out_.maxStack_ = std::max(out_.maxStack_, static_cast<std::uint32_t>(depth_));
   }
@@ -170,7 +180,10 @@ double execute(const std::vector<CompiledExpression::Instruction>& code, const d
   case opcode(OP, kStackConst): sp[-1] = applyOp<OP>(sp[-1], constants[in.arg]); break;         \
   case opcode(OP, kStackVar): sp[-1] = applyOp<OP>(sp[-1], slots[in.arg]); break;               \
   case opcode(OP, kConstStack): sp[-1] = applyOp<OP>(constants[in.arg], sp[-1]); break;         \
-  case opcode(OP, kVarStack): sp[-1] = applyOp<OP>(slots[in.arg], sp[-1]); break;
+  case opcode(OP, kVarStack): sp[-1] = applyOp<OP>(slots[in.arg], sp[-1]); break;                 \
+  case opcode(OP, kVarVar): *sp++ = applyOp<OP>(slots[in.arg], slots[in.arg2]); break;           \
+  case opcode(OP, kVarConst): *sp++ = applyOp<OP>(slots[in.arg], constants[in.arg2]); break;      \
+  case opcode(OP, kConstVar): *sp++ = applyOp<OP>(constants[in.arg], slots[in.arg2]); break;
       MODELYNE_SIM_FORMS(kAdd)
       MODELYNE_SIM_FORMS(kSub)
       MODELYNE_SIM_FORMS(kMul)

@@ -42,10 +42,11 @@ class CompiledExpression {
   /// Number of instructions of the program (after constant folding).
   std::size_t size() const noexcept { return code_.size(); }
 
-  /// One instruction: `op` with an operand index (slot or constant).
+  /// One instruction: `op` with up to two operand indices (slot or constant).
   struct Instruction {
     std::uint32_t op;
     std::uint32_t arg;
+    std::uint32_t arg2;
   };
 
  private:

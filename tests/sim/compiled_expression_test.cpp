@@ -66,7 +66,8 @@ TEST(CompiledExpression, ListsItsNamesAndRunsWithChangingValues) {
   EXPECT_EQ(program.evaluate(second), 0.0 + 20.0 - 10.0);
   // Constants fold, loads fuse into operations.
   EXPECT_EQ(CompiledExpression::compile("2 * 3 + 4 ^ 0.5").size(), 1u);
-  EXPECT_EQ(CompiledExpression::compile("x * 2").size(), 2u);
+  EXPECT_EQ(CompiledExpression::compile("x * 2").size(), 1u);
+  EXPECT_EQ(CompiledExpression::compile("a * b + c / (d + 1)").size(), 4u);
 }
 
 TEST(CompiledExpression, HandlesDeepStacks) {
