@@ -1,17 +1,14 @@
 // modelyne export: a diagram written as SVG, PDF, PNG or JPEG.
-#include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
 #include <system_error>
 
 #include "cli/commands.h"
 #include "cli/model_input.h"
 #include "cli/output.h"
 #include "cli/raster_output.h"
-#include "export/svg_export.h"
+#include "cli/text_check.h"
 
 namespace modelyne::cli {
 
@@ -25,32 +22,14 @@ constexpr std::string_view kHelp =
     "usage: modelyne export FILE -o OUT [--margin N] [--no-background] [--scale S]\n"
     "                       [--model ID] [--kind KEY]\n"
     "\n"
-    "Draws the diagram into OUT; the format follows OUT's extension: .svg,\n"
-    ".pdf, .png, .jpg or .jpeg. The margin around the content is N diagram\n"
-    "units (default 24). SVG has a white page unless --no-background; raster\n"
-    "formats always do and use S pixels per diagram unit (default 1). Works\n"
-    "without a display.\n"
+    "Draws the diagram into OUT, as the editor's Export does; the format\n"
+    "follows OUT's extension: .svg, .pdf, .png, .jpg or .jpeg. The margin\n"
+    "around the content is N diagram units (default 24). SVG has a white page\n"
+    "unless --no-background; raster formats always do and use S pixels per\n"
+    "diagram unit (default 2). Works without a display.\n"
     "\n"
     "example:\n"
-    "  modelyne export model.xml -o model.png --scale 2\n";
-
-enum class Format { svg, pdf, png, jpeg };
-
-struct FormatByExtension {
-  std::string_view extension;
-  Format format;
-};
-constexpr std::array<FormatByExtension, 5> kFormats{{
-    {".svg", Format::svg}, {".pdf", Format::pdf}, {".png", Format::png}, {".jpg", Format::jpeg},
-    {".jpeg", Format::jpeg}}};
-
-Format formatOf(const std::string& out) {
-  std::string ext = std::filesystem::path(out).extension().string();
-  std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  for (const FormatByExtension& f : kFormats)
-    if (ext == f.extension) return f.format;
-  throw CliError("cannot tell the format of '" + out + "' (use .svg, .pdf, .png, .jpg or .jpeg)");
-}
+    "  modelyne export model.xml -o model.png --scale 4\n";
 
 float positiveNumber(const Args& args, std::string_view option, float fallback, bool zeroAllowed) {
   const auto text = args.value(option);
@@ -69,26 +48,20 @@ int run(const Args& args) {
   expectPositionals(args, 1, 1, "export", "a FILE");
   const auto out = args.value("--output");
   if (!out || *out == "-") throw CliError("export needs -o OUT; its extension gives the format");
-  const Format format = formatOf(*out);
-  const float margin = positiveNumber(args, "--margin", 24.0f, true);
-  const float scale = positiveNumber(args, "--scale", 1.0f, false);
-  const bool background = !args.has("--no-background");
-  if (format == Format::svg && args.has("--scale"))
+  const bool raster = isRasterOutput(*out);
+  ExportSettings settings = defaultExportSettings();
+  settings.margin = positiveNumber(args, "--margin", settings.margin, true);
+  settings.scale = positiveNumber(args, "--scale", static_cast<float>(settings.scale), false);
+  settings.background = !args.has("--no-background");
+  if (!raster && args.has("--scale"))
     throw CliError("--scale applies to raster formats (.pdf, .png, .jpg, .jpeg), not to SVG");
-  if (format != Format::svg && !background)
+  if (raster && !settings.background)
     throw CliError("--no-background applies to SVG; raster pictures always have a white page");
 
   LoadedModel model = loadModel(args, args.positionals[0]);
-  const core::Document& doc = *model.doc;
-  switch (format) {
-    case Format::svg:
-      writeResult(out, exporter::svgText(doc.nodes(), doc.edges(), {margin, background}, &doc.frame()));
-      break;
-    case Format::pdf: writeRaster(*out, doc, RasterFormat::pdf, margin, scale); break;
-    case Format::png: writeRaster(*out, doc, RasterFormat::png, margin, scale); break;
-    case Format::jpeg: writeRaster(*out, doc, RasterFormat::jpeg, margin, scale); break;
-  }
-  return kExitOk;
+  const std::size_t unwritable = warnAboutUnwritableText(model.file, model.index, *model.doc);
+  writeExport(*out, *model.doc, settings);
+  return unwritable > 0 ? kExitNegative : kExitOk;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/model_input.h"
 #include "cli/output.h"
+#include "cli/text_check.h"
 #include "io/diagram_writer.h"
 #include "io/project_file.h"
 
@@ -28,6 +29,7 @@ constexpr std::string_view kHelp =
 int run(const Args& args) {
   expectPositionals(args, 1, 1, "format", "a FILE");
   ModelFile file = openModel(args.positionals[0]);
+  std::size_t unwritable = 0;
 
   for (std::size_t i = 0; i < file.project.models.size(); ++i) {
     core::Model& model = file.project.models[i];
@@ -35,13 +37,14 @@ int run(const Args& args) {
     // second run changes nothing.
     core::Document doc;
     io::applyDiagram(readModelDiagram(file, i), doc);
+    unwritable += warnAboutUnwritableText(file, i, doc);
     model.diagramXml = io::serializeDocument(doc);
     model.frame = doc.frame();
   }
   // Every model has its text now; the open document is not consulted.
   const core::Document empty;
   writeResult(args.value("--output"), io::serializeProject(file.project, empty));
-  return kExitOk;
+  return unwritable > 0 ? kExitNegative : kExitOk;
 }
 
 }  // namespace

@@ -122,6 +122,10 @@ io::DiagramContent readModelDiagram(const ModelFile& file, std::size_t index) {
   return std::move(*content);
 }
 
+unsigned diagramFirstLine(const ModelFile& file, std::size_t index) {
+  return lineAt(file.text, diagramOffset(file, index));
+}
+
 core::DiagramKind kindFromKey(std::string_view key) {
   if (auto kind = core::diagramKindFromKey(key)) return *kind;
   throw CliError("unknown diagram kind '" + std::string(key) + "' (kinds: " + kindKeyList() + ")");

@@ -42,6 +42,9 @@ std::size_t selectModel(const ModelFile& file, const std::optional<std::string>&
 /// to standard error. Throws CliError with FILE:LINE on a fault.
 io::DiagramContent readModelDiagram(const ModelFile& file, std::size_t index);
 
+/// The line of the file on which model `index`'s diagram text starts.
+unsigned diagramFirstLine(const ModelFile& file, std::size_t index);
+
 /// The kind `--kind KEY` names; CliError for an unknown key.
 core::DiagramKind kindFromKey(std::string_view key);
 

@@ -1,46 +1,60 @@
 #include "cli/raster_output.h"
 
+#include <cctype>
 #include <cstdlib>
+#include <filesystem>
 
 #include "cli/output.h"
 
 #ifdef MODELYNE_HAVE_RENDER
-#include "export/diagram_drawing.h"
-#include "render/raster_export.h"
+#include "render/export_diagram.h"
+#else
+#include "export/svg_export.h"
 #endif
 
 namespace modelyne::cli {
 
 #ifdef MODELYNE_HAVE_RENDER
 
-void writeRaster(const std::string& out, const core::Document& doc, RasterFormat format, float margin,
-                 double scale) {
-  // A command-line tool never opens a window: render offscreen even where a
-  // display or another platform is configured.
-  ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  // Standard error carries this tool's own messages; Qt's start-up remarks
-  // (such as a missing XDG_RUNTIME_DIR) are noise here unless asked for.
-  ::setenv("QT_LOGGING_RULES", "default.warning=false", 0);
-  if (!render::ensureGuiApplication()) throw CliError("cannot start the raster renderer");
+ExportSettings defaultExportSettings() {
+  const render::ExportOptions o;
+  return {o.margin, o.background, o.scale};
+}
 
-  const exporter::DrawingList drawing =
-      exporter::buildDrawing(doc.nodes(), doc.edges(), {margin, true, &doc.frame()});
-  std::string error;
-  render::RenderedImage rendered;
-  bool ok = false;
-  switch (format) {
-    case RasterFormat::png: ok = render::exportPng(out, drawing, scale, &error, &rendered); break;
-    case RasterFormat::jpeg: ok = render::exportJpeg(out, drawing, scale, &error, &rendered); break;
-    case RasterFormat::pdf: ok = render::exportPdf(out, drawing, scale, &error, &rendered); break;
+bool isRasterOutput(const std::string& out) {
+  const render::ExportFormat* format = render::formatOf(out);
+  if (!format) throw CliError("cannot tell the format of '" + out + "' (use " + render::formatList() + ")");
+  return format->raster;
+}
+
+void writeExport(const std::string& out, const core::Document& doc, const ExportSettings& settings) {
+  if (isRasterOutput(out)) {
+    // A command-line tool never opens a window: render offscreen even where
+    // a display or another platform is configured.
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    // Standard error carries this tool's own messages; Qt's start-up remarks
+    // (such as a missing XDG_RUNTIME_DIR) are noise here unless asked for.
+    ::setenv("QT_LOGGING_RULES", "default.warning=false", 0);
   }
-  if (!ok) throw CliError(asClause(error.empty() ? "cannot write " + out : error));
-  if (rendered.reduced) diagnostic("modelyne: note: " + rendered.note);
+  const render::ExportResult r = render::exportDiagram(out, doc, {settings.margin, settings.background, settings.scale});
+  if (!r.ok) throw CliError(asClause(r.error.empty() ? "cannot write " + out : r.error));
+  if (!r.notes.reducedScale.empty()) diagnostic("modelyne: note: " + r.notes.reducedScale);
 }
 
 #else
 
-void writeRaster(const std::string&, const core::Document&, RasterFormat, float, double) {
+ExportSettings defaultExportSettings() { return {}; }
+
+bool isRasterOutput(const std::string& out) {
+  std::string ext = std::filesystem::path(out).extension().string();
+  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  if (ext == ".svg") return false;
   throw CliError("this modelyne was built without the raster renderer; export to .svg instead");
+}
+
+void writeExport(const std::string& out, const core::Document& doc, const ExportSettings& settings) {
+  isRasterOutput(out);
+  writeResult(out, exporter::svgText(doc.nodes(), doc.edges(), {settings.margin, settings.background}, &doc.frame()));
 }
 
 #endif

@@ -1,7 +1,8 @@
 #pragma once
-/// Raster output for `modelyne export` (PNG, JPEG, and PDF around a JPEG),
-/// through the Qt renderer on the offscreen platform, so that it works
-/// without a display. Builds without the renderer report a clear error.
+/// Export for `modelyne export`: the editor's own export
+/// (render::exportDiagram) on the offscreen platform, so that it works
+/// without a display and gives the editor's bytes. Builds without the
+/// renderer write SVG alone and say so for the other formats.
 
 #include <string>
 
@@ -9,12 +10,22 @@
 
 namespace modelyne::cli {
 
-enum class RasterFormat { png, jpeg, pdf };
+struct ExportSettings {
+  float margin = 24.0f;
+  bool background = true;
+  double scale = 2.0;
+};
 
-/// Renders the document (with its frame) at `scale` pixels per diagram unit
-/// and replaces the file `out` in one step. Throws CliError on failure; a
-/// scale reduced to fit the size limits is reported on standard error.
-void writeRaster(const std::string& out, const core::Document& doc, RasterFormat format, float margin,
-                 double scale);
+/// The editor's defaults.
+ExportSettings defaultExportSettings();
+
+/// Whether OUT's extension names a raster format (.pdf, .png, .jpg, .jpeg);
+/// false for .svg. Throws CliError for any other extension.
+bool isRasterOutput(const std::string& out);
+
+/// Draws the document (with its frame) into `out`, replacing the file in
+/// one step. Throws CliError on failure; a scale reduced to fit the size
+/// limits is reported on standard error.
+void writeExport(const std::string& out, const core::Document& doc, const ExportSettings& settings);
 
 }  // namespace modelyne::cli

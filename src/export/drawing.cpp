@@ -92,9 +92,22 @@ void DrawingBuilder::text(float x, float y, float size, TextAnchor anchor, std::
   p.fill = fill;
   p.stroke = kNoPaint;
   p.v[0] = x; p.v[1] = y; p.v[2] = size;
+  std::string capped;
+  const std::string_view shown = shownLabel(text, capped);
   p.first = static_cast<std::uint32_t>(list_.text.size());
-  p.count = static_cast<std::uint32_t>(text.size());
-  list_.text.append(text);
+  p.count = static_cast<std::uint32_t>(shown.size());
+  list_.text.append(shown);
+}
+
+std::string_view shownLabel(std::string_view text, std::string& storage) {
+  if (text.size() <= kMaxLabelBytes) return text;
+  std::size_t end = kMaxLabelBytes;
+  // Back up over UTF-8 continuation bytes (10xxxxxx) so no character is
+  // split; a character has at most three of them.
+  for (int i = 0; i < 3 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80; ++i) --end;
+  storage.assign(text.substr(0, end));
+  storage += "\u2026";
+  return storage;
 }
 
 }  // namespace modelyne::exporter

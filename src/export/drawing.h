@@ -70,6 +70,15 @@ struct DrawingList {
   std::string_view textOf(const Primitive& p) const noexcept { return std::string_view(text).substr(p.first, p.count); }
 };
 
+/// The most bytes of one label that are drawn. Longer text is cut at a
+/// character boundary and ends in an ellipsis, so drawing time follows the
+/// picture rather than text too long for anyone to read.
+inline constexpr std::size_t kMaxLabelBytes = 8192;
+
+/// `text` as drawn: itself when within kMaxLabelBytes, else its first
+/// characters and "\u2026" (kept in `storage`).
+std::string_view shownLabel(std::string_view text, std::string& storage);
+
 /// Appends primitives to a list. Primitives whose geometry is not finite are
 /// dropped: nothing sensible can be drawn for them.
 class DrawingBuilder {
@@ -87,6 +96,7 @@ class DrawingBuilder {
                Colour stroke = kStrokeColour);
   void polyline(const Point* pts, std::size_t n, bool dashed = false, Colour stroke = kStrokeColour);
   void polyline(std::initializer_list<Point> pts, bool dashed = false, Colour stroke = kStrokeColour);
+  /// One line of text, capped as `shownLabel` says.
   void text(float x, float y, float size, TextAnchor anchor, std::string_view text,
             Colour fill = kTextColour);
 

@@ -168,9 +168,55 @@ const ShapeStyle& styleOf(ShapeType t) {
   return *index.byValue[static_cast<std::size_t>(v)];
 }
 
-// ---- Geometry helpers ----
+// ---- Geometry constants ----
 
 constexpr float kLinePitch = 14.0f;
+// A label's first baseline sits size x 0.78 below its line top: the ascent
+// of the sans-serif faces the drawing names.
+constexpr float kAscent = 0.78f;
+// Reach of descenders below the baseline, as a fraction of the size.
+constexpr float kDescent = 0.3f;
+// Average glyph advance of those faces as a fraction of the size; without a
+// font every byte counts as one average glyph.
+constexpr float kAverageAdvance = 0.62f;
+
+// Labels under the box: their first baseline below its bottom edge, and the
+// room the page keeps for them.
+constexpr float kActorNameBaseline = 14.0f;  // clear of the feet at 0.95 of the height
+constexpr float kActorNameRoom = 18.0f;      // the baseline and the descent of 12-unit type
+constexpr float kPinLabelBaseline = 13.0f;
+constexpr float kPinLabelRoom = kSmall + 6.0f;  // 9-unit type and a 6-unit gap
+constexpr float kWaitLabelBaseline = 12.0f;
+
+// A cross inscribed in a circle: its ends lie at cos 45 deg x half the box
+// size from the centre along the diagonals.
+constexpr float kCrossReach = 0.3536f;
+
+// The stick figure, in fractions of the box: head radius (of the shorter
+// side), arm height, hips, hands and feet.
+constexpr float kActorHead = 0.18f;
+constexpr float kActorArms = 0.38f;
+constexpr float kActorHips = 0.62f;
+constexpr float kActorHand = 0.1f;   // from either side
+constexpr float kActorFoot = 0.2f;   // from either side
+constexpr float kActorFeet = 0.95f;
+
+// Package tab: 45 % of the width, at most 70 units, 14 high.
+constexpr float kPackageTabShare = 0.45f;
+constexpr float kPackageTabMax = 70.0f;
+constexpr float kPackageTabHeight = 14.0f;
+// Inner disc of a final node, as a fraction of the box.
+constexpr float kFinalDisc = 0.3f;
+// The operator tab of a combined fragment: 7 units a byte plus 12, as the
+// picture has always drawn it.
+constexpr float kOperatorTabPerByte = 7.0f;
+constexpr float kOperatorTabPadding = 12.0f;
+// Name tab of a frame: 11-unit type, 6 units in and 10 more past the text
+// so the cut corner stays clear.
+constexpr float kFrameLabelSize = 11.0f;
+constexpr float kFrameTabPadding = 16.0f;
+
+// ---- Geometry helpers ----
 
 /// The node's box with a negative width or height turned the right way round.
 core::NodeGeometry normalised(const core::NodeGeometry& g) {
@@ -201,11 +247,13 @@ std::size_t lineCount(std::string_view text) {
 }
 
 /// Centred multi-line label: a fixed 14-unit pitch whatever the size.
-void centredLabel(DrawingBuilder& out, float x, float y, float w, float h, std::string_view text,
+void centredLabel(DrawingBuilder& out, float x, float y, float w, float h, std::string_view label,
                   float size) {
+  std::string capped;
+  const std::string_view text = shownLabel(label, capped);
   if (text.empty()) return;
   const float n = static_cast<float>(lineCount(text));
-  float baseline = y + h / 2 - n * kLinePitch * 0.5f + size * 0.78f + 1;
+  float baseline = y + h / 2 - n * kLinePitch * 0.5f + size * kAscent + 1;
   const float cx = x + w / 2;
   forEachLine(text, [&](std::string_view line) {
     if (!line.empty()) out.text(cx, baseline, size, TextAnchor::middle, line);
@@ -215,7 +263,9 @@ void centredLabel(DrawingBuilder& out, float x, float y, float w, float h, std::
 
 /// Lines from a first baseline downwards, one text element per non-empty line.
 void linesFrom(DrawingBuilder& out, float x, float baseline, float size, TextAnchor anchor,
-               std::string_view text) {
+               std::string_view label) {
+  std::string capped;
+  const std::string_view text = shownLabel(label, capped);
   if (text.empty()) return;
   forEachLine(text, [&](std::string_view line) {
     if (!line.empty()) out.text(x, baseline, size, anchor, line);
@@ -320,7 +370,7 @@ std::vector<float> operandSplits(const core::Node& node) {
 void drawFragment(DrawingBuilder& out, const core::Node& node, const core::NodeGeometry& b) {
   out.rect(b.x, b.y, b.w, b.h, 0, kNoPaint);
   const std::string_view op = property(node, "operator");
-  const float tw = std::min(static_cast<float>(op.size()) * 7 + 12, b.w);
+  const float tw = std::min(static_cast<float>(op.size()) * kOperatorTabPerByte + kOperatorTabPadding, b.w);
   const float th = std::min(kFrameTabHeight, b.h);
   const float cut = std::min(5.0f, std::min(tw, th));
   out.polygon({{b.x, b.y}, {b.x + tw, b.y}, {b.x + tw, b.y + th - cut}, {b.x + tw - cut, b.y + th},
@@ -412,6 +462,34 @@ std::string portLabel(const core::Node& node) {
   return label;
 }
 
+/// Where a port's label goes: above a port on the top side; below it
+/// otherwise, running inward from a left-side port so the name stays over
+/// its owner.
+struct PortLabel {
+  std::string text;
+  float x = 0.0f;
+  float baseline = 0.0f;
+  float size = 0.0f;
+  TextAnchor anchor = TextAnchor::middle;
+};
+
+PortLabel portLabelPlacement(const core::Node& node, const Square& sq) {
+  PortLabel label;
+  label.text = portLabel(node);
+  label.size = sq.size >= 16 ? 11.0f : kSmall;
+  label.x = sq.x + sq.size / 2;
+  label.baseline = sq.y + sq.size + label.size + 2;
+  switch (sideOf(property(node, "boundarySide"))) {
+    case Side::top: label.baseline = sq.y - 4; break;
+    case Side::left:
+      label.x = sq.x;
+      label.anchor = TextAnchor::start;
+      break;
+    default: break;
+  }
+  return label;
+}
+
 void drawPort(DrawingBuilder& out, const core::Node& node) {
   const Square sq = portSquare(node);
   if (!(sq.size > 0)) return;
@@ -419,17 +497,8 @@ void drawPort(DrawingBuilder& out, const core::Node& node) {
   const bool dark = property(node, "isConjugated") == "true";
   out.rect(sq.x, sq.y, sq.size, sq.size, 0, dark ? kStrokeColour : kWhite);
   drawPortDirection(out, node, sq, dark ? kWhite : kStrokeColour);
-  const std::string label = portLabel(node);
-  if (label.empty()) return;
-  const float size = sq.size >= 16 ? 11.0f : kSmall;
-  // Above a port on the top side; below it otherwise, running inward from a
-  // left-side port so the name stays over its owner.
-  const float cx = sq.x + sq.size / 2;
-  switch (sideOf(property(node, "boundarySide"))) {
-    case Side::top: out.text(cx, sq.y - 4, size, TextAnchor::middle, label); break;
-    case Side::left: out.text(sq.x, sq.y + sq.size + size + 2, size, TextAnchor::start, label); break;
-    default: out.text(cx, sq.y + sq.size + size + 2, size, TextAnchor::middle, label); break;
-  }
+  const PortLabel label = portLabelPlacement(node, sq);
+  if (!label.text.empty()) out.text(label.x, label.baseline, label.size, label.anchor, label.text);
 }
 
 // ---- Context boundary ----
@@ -482,9 +551,9 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
       centredLabel(out, b.x, b.y, b.w, b.h, caption, style.labelSize);
       return;
     case Outline::package: {
-      const float tabH = std::min(14.0f, b.h);
+      const float tabH = std::min(kPackageTabHeight, b.h);
       out.rect(b.x, b.y + tabH, b.w, b.h - tabH, 0, fill);
-      out.rect(b.x, b.y, std::min(b.w * 0.45f, 70.0f), tabH, 0, fill);
+      out.rect(b.x, b.y, std::min(b.w * kPackageTabShare, kPackageTabMax), tabH, 0, fill);
       centredLabel(out, b.x, b.y + tabH, b.w, b.h - tabH, caption, style.labelSize);
       return;
     }
@@ -493,7 +562,7 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
       return;
     case Outline::finalNode:
       out.ellipse(cx, cy, b.w / 2, b.h / 2, fill);
-      out.ellipse(cx, cy, b.w * 0.3f, b.h * 0.3f, kStrokeColour);
+      out.ellipse(cx, cy, b.w * kFinalDisc, b.h * kFinalDisc, kStrokeColour);
       return;
     case Outline::diamond:
       out.polygon({{cx, b.y}, {b.x + b.w, cy}, {cx, b.y + b.h}, {b.x, cy}}, fill);
@@ -508,13 +577,15 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
       centredLabel(out, b.x, b.y, b.w, b.h, caption, style.labelSize);
       return;
     case Outline::actor: {
-      const float r = std::min(b.w, b.h) * 0.18f;
+      const float r = std::min(b.w, b.h) * kActorHead;
       out.ellipse(cx, b.y + r, r, r, fill);
-      const float hip = b.y + b.h * 0.62f;
+      const float hip = b.y + b.h * kActorHips;
+      const float arms = b.y + b.h * kActorArms;
+      const float feet = b.y + b.h * kActorFeet;
       out.line(cx, b.y + 2 * r, cx, hip);
-      out.line(b.x + b.w * 0.1f, b.y + b.h * 0.38f, b.x + b.w * 0.9f, b.y + b.h * 0.38f);
-      out.polyline({{b.x + b.w * 0.2f, b.y + b.h * 0.95f}, {cx, hip}, {b.x + b.w * 0.8f, b.y + b.h * 0.95f}});
-      linesFrom(out, cx, b.y + b.h + 14, kLabel, TextAnchor::middle, caption);
+      out.line(b.x + b.w * kActorHand, arms, b.x + b.w * (1 - kActorHand), arms);
+      out.polyline({{b.x + b.w * kActorFoot, feet}, {cx, hip}, {b.x + b.w * (1 - kActorFoot), feet}});
+      linesFrom(out, cx, b.y + b.h + kActorNameBaseline, kLabel, TextAnchor::middle, caption);
       return;
     }
     case Outline::lifeline: {
@@ -553,7 +624,7 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
     }
     case Outline::pin:
       out.rect(b.x, b.y, b.w, b.h, 0, fill);
-      linesFrom(out, cx, b.y + b.h + 13, style.labelSize, TextAnchor::middle, caption);
+      linesFrom(out, cx, b.y + b.h + kPinLabelBaseline, style.labelSize, TextAnchor::middle, caption);
       return;
     case Outline::sendSignal: {
       const float d = std::min(b.h * 0.5f, b.w * 0.25f);
@@ -573,15 +644,15 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
     case Outline::flowFinal:
     case Outline::terminate: {
       if (style.outline == Outline::flowFinal) out.ellipse(cx, cy, b.w / 2, b.h / 2, fill);
-      const float dx = b.w * 0.3536f;
-      const float dy = b.h * 0.3536f;
+      const float dx = b.w * kCrossReach;
+      const float dy = b.h * kCrossReach;
       out.line(cx - dx, cy - dy, cx + dx, cy + dy);
       out.line(cx - dx, cy + dy, cx + dx, cy - dy);
       return;
     }
     case Outline::hourglass:
       out.polygon({{b.x, b.y}, {b.x + b.w, b.y}, {b.x, b.y + b.h}, {b.x + b.w, b.y + b.h}}, fill);
-      linesFrom(out, cx, b.y + b.h + 12, style.labelSize, TextAnchor::middle, caption);
+      linesFrom(out, cx, b.y + b.h + kWaitLabelBaseline, style.labelSize, TextAnchor::middle, caption);
       return;
     case Outline::port:
       drawPort(out, node);
@@ -608,6 +679,18 @@ void Extent::takeY(float v) noexcept {
   if (v > maxY) maxY = v;
 }
 
+void Extent::take(const Extent& other) noexcept {
+  // An axis that took no value still holds its start values (min above max).
+  if (other.maxX >= other.minX) {
+    takeX(other.minX);
+    takeX(other.maxX);
+  }
+  if (other.maxY >= other.minY) {
+    takeY(other.minY);
+    takeY(other.maxY);
+  }
+}
+
 Square portSquare(const core::Node& node) {
   const core::NodeGeometry b = normalised(node.geom);
   Square sq;
@@ -629,38 +712,82 @@ Square portSquare(const core::Node& node) {
   return sq;
 }
 
-void extendByNode(Extent& e, const core::Node& node) {
+float estimatedTextWidth(std::string_view line, float size) {
+  return static_cast<float>(line.size()) * size * kAverageAdvance;
+}
+
+NodeCover nodeCover(const core::Node& node) {
+  NodeCover c;
   const core::NodeGeometry& g = node.geom;
-  e.takeX(g.x);
-  e.takeY(g.y);
-  e.takeX(g.x + g.w);
-  e.takeY(g.y + g.h);
-  switch (styleOf(node.type).outline) {
+  c.page.takeX(g.x);
+  c.page.takeY(g.y);
+  c.page.takeX(g.x + g.w);
+  c.page.takeY(g.y + g.h);
+  const ShapeStyle& style = styleOf(node.type);
+  const core::NodeGeometry b = normalised(g);
+  const float cx = b.x + b.w / 2;
+  // A label drawn under the box as `drawOutline` places it: every line at
+  // its estimated width, down to the last line's descenders.
+  auto paintedBelow = [&](std::string_view label, float firstBaseline, float size) {
+    std::string capped;
+    const std::string_view shown = shownLabel(label, capped);
+    if (shown.empty()) return;
+    float widest = 0;
+    float lines = 0;
+    forEachLine(shown, [&](std::string_view line) {
+      widest = std::max(widest, estimatedTextWidth(line, size));
+      ++lines;
+    });
+    c.painted.takeX(cx - widest / 2);
+    c.painted.takeX(cx + widest / 2);
+    c.painted.takeY(b.y + b.h + firstBaseline + (lines - 1) * kLinePitch + size * kDescent);
+  };
+  switch (style.outline) {
     case Outline::actor:
-      e.takeY(g.y + g.h + 18);
+      c.page.takeY(g.y + g.h + kActorNameRoom);
+      paintedBelow(captionOf(node, style), kActorNameBaseline, kLabel);
+      break;
+    case Outline::pin:
+      if (!node.text.empty()) {
+        // The page's fixed rule: the whole text's bytes as one line.
+        const float half = estimatedTextWidth(node.text, kSmall) / 2;
+        c.page.takeY(g.y + g.h + kPinLabelRoom);
+        c.page.takeX(g.x + g.w / 2 - half);
+        c.page.takeX(g.x + g.w / 2 + half);
+      }
+      paintedBelow(captionOf(node, style), kPinLabelBaseline, style.labelSize);
+      break;
+    case Outline::hourglass:
+      paintedBelow(captionOf(node, style), kWaitLabelBaseline, style.labelSize);
       break;
     case Outline::port: {
       const Square sq = portSquare(node);
-      if (sq.size > 0) {
-        e.takeX(sq.x);
-        e.takeX(sq.x + sq.size);
-        e.takeY(sq.y);
-        e.takeY(sq.y + sq.size);
-      }
+      if (!(sq.size > 0)) break;
+      c.page.takeX(sq.x);
+      c.page.takeX(sq.x + sq.size);
+      c.page.takeY(sq.y);
+      c.page.takeY(sq.y + sq.size);
+      const PortLabel label = portLabelPlacement(node, sq);
+      std::string capped;
+      const std::string_view shown = shownLabel(label.text, capped);
+      if (shown.empty()) break;
+      const float width = estimatedTextWidth(shown, label.size);
+      const float left = label.anchor == TextAnchor::middle ? label.x - width / 2 : label.x;
+      c.painted.takeX(left);
+      c.painted.takeX(left + width);
+      c.painted.takeY(label.baseline - label.size);
+      c.painted.takeY(label.baseline + label.size * kDescent);
       break;
     }
-    case Outline::pin:
-      if (!node.text.empty()) {
-        e.takeY(g.y + g.h + 9 + 6);
-        const float half = static_cast<float>(node.text.size()) * 9 * 0.62f / 2;
-        e.takeX(g.x + g.w / 2 - half);
-        e.takeX(g.x + g.w / 2 + half);
-      }
-      break;
     default:
       break;
   }
+  // Whatever the page takes in is painted too.
+  c.painted.take(c.page);
+  return c;
 }
+
+void extendByNode(Extent& e, const core::Node& node) { e.take(nodeCover(node).page); }
 
 void drawNode(DrawingBuilder& out, const core::Node& node) {
   drawOutline(out, node, styleOf(node.type), normalised(node.geom));
@@ -669,11 +796,11 @@ void drawNode(DrawingBuilder& out, const core::Node& node) {
 void drawNamedFrame(DrawingBuilder& out, float x, float y, float w, float h, std::string_view label) {
   out.rect(x, y, w, h, 0, kNoPaint);
   if (label.empty()) return;
-  const float tw = std::min(static_cast<float>(label.size()) * 6.5f + 16, w);
+  const float tw = std::min(estimatedTextWidth(label, kFrameLabelSize) + kFrameTabPadding, w);
   const float th = std::min(kFrameTabHeight, h);
   const float cut = std::min(6.0f, std::min(tw, th));
   out.polygon({{x, y}, {x + tw, y}, {x + tw, y + th - cut}, {x + tw - cut, y + th}, {x, y + th}}, kNoPaint);
-  out.text(x + 6, y + 14, 11.0f, TextAnchor::start, label);
+  out.text(x + 6, y + 14, kFrameLabelSize, TextAnchor::start, label);
 }
 
 }  // namespace modelyne::exporter

@@ -1,8 +1,9 @@
 #pragma once
 /// Drawing of one node by its shape type: outline, compartments and label,
-/// chosen from a table of outline styles. Also the extent a node adds to
-/// the page bounds (actor names, port squares, pin labels) and the framed
-/// name tab shared by context boundaries and the diagram frame.
+/// chosen from a table of outline styles. Also what a node covers beyond its
+/// box (actor names, port squares and labels, pin labels), the one text
+/// width estimate, and the framed name tab shared by context boundaries and
+/// the diagram frame.
 
 #include <string_view>
 
@@ -21,10 +22,28 @@ struct Extent {
 
   void takeX(float v) noexcept;
   void takeY(float v) noexcept;
+  /// Takes in what `other` holds, axis by axis.
+  void take(const Extent& other) noexcept;
 };
 
-/// Takes the node's box and whatever it draws outside it into `e`.
+/// What a node covers: its box and what it draws outside it. Non-finite
+/// values are left out, as `Extent` does.
+struct NodeCover {
+  /// What the page bounds take in: the box, room for an actor's name below
+  /// it, a port's square, a pin's label at its estimated width.
+  Extent page;
+  /// Everything the node may paint (strokes aside): `page` and also names
+  /// wider than the box, port labels and the label under a wait-time action.
+  Extent painted;
+};
+NodeCover nodeCover(const core::Node& node);
+
+/// Takes the node's page cover into `e`.
 void extendByNode(Extent& e, const core::Node& node);
+
+/// Estimated advance of one line of text at `size`, without a font: every
+/// byte counts as an average glyph.
+float estimatedTextWidth(std::string_view line, float size);
 
 /// Draws the node.
 void drawNode(DrawingBuilder& out, const core::Node& node);

@@ -4,8 +4,6 @@
 #include <array>
 #include <cstdio>
 
-#include "io/atomic_file.h"
-
 namespace modelyne::exporter {
 
 namespace {
@@ -56,11 +54,6 @@ std::string pdfDocument(std::string_view jpeg, std::uint32_t pixelWidth, std::ui
   }
   out += "trailer\n<< /Size 6 /Root 1 0 R >>\nstartxref\n" + std::to_string(xref) + "\n%%EOF\n";
   return out;
-}
-
-bool exportPdf(const std::filesystem::path& path, std::string_view jpeg, std::uint32_t pixelWidth,
-               std::uint32_t pixelHeight, double pageWidth, double pageHeight, std::string* error) {
-  return io::writeFileAtomic(path, pdfDocument(jpeg, pixelWidth, pixelHeight, pageWidth, pageHeight), error);
 }
 
 }  // namespace modelyne::exporter

@@ -1,12 +1,12 @@
 #pragma once
 /// One-page PDF 1.4 around a JPEG picture: five objects (catalog, page tree,
 /// page, image, content stream) and a cross-reference table of their byte
-/// positions. The JPEG bytes go in unchanged; nothing else is drawn.
+/// positions. The JPEG bytes go in unchanged; nothing else is drawn. Returns
+/// the bytes; the caller writes the file.
 ///
-///   exportPdf(path, jpeg, 800, 600, 800 * 0.75, 600 * 0.75);
+///   std::string pdf = pdfDocument(jpeg, 800, 600, 800 * 0.75, 600 * 0.75);
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -16,11 +16,5 @@ namespace modelyne::exporter {
 /// `pixelWidth` x `pixelHeight`; the page is `pageWidth` x `pageHeight` points.
 std::string pdfDocument(std::string_view jpeg, std::uint32_t pixelWidth, std::uint32_t pixelHeight,
                         double pageWidth, double pageHeight);
-
-/// Writes `pdfDocument(...)` to `path` in one piece (temporary file, then
-/// rename). On failure returns false and, when `error` is given, says why.
-bool exportPdf(const std::filesystem::path& path, std::string_view jpeg, std::uint32_t pixelWidth,
-               std::uint32_t pixelHeight, double pageWidth, double pageHeight,
-               std::string* error = nullptr);
 
 }  // namespace modelyne::exporter

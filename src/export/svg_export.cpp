@@ -2,7 +2,6 @@
 
 #include "export/diagram_drawing.h"
 #include "export/svg_writer.h"
-#include "io/atomic_file.h"
 
 namespace modelyne::exporter {
 
@@ -17,11 +16,6 @@ std::string svgText(std::span<const core::Node> nodes, std::span<const core::Edg
   SvgDocumentWriter writer(1024 + (nodes.size() + edges.size()) * 300);
   buildDrawingInPieces(nodes, edges, drawing, kPiece, [&](DrawingList& piece) { writer.add(piece); });
   return writer.finish();
-}
-
-bool exportSvg(const std::filesystem::path& path, std::span<const core::Node> nodes,
-               std::span<const core::Edge> edges, SvgExportOptions options, std::string* error) {
-  return io::writeFileAtomic(path, svgText(nodes, edges, options), error);
 }
 
 }  // namespace modelyne::exporter

@@ -1,10 +1,9 @@
 #pragma once
 /// SVG export of a diagram: a self-contained SVG 1.1 document with a fixed,
-/// theme-independent palette, written to a file in one piece.
+/// theme-independent palette, returned as bytes; the caller writes the file.
 ///
-///   exporter::exportSvg(path, doc.nodes(), doc.edges(), {24.0f, true});
+///   std::string svg = exporter::svgText(doc.nodes(), doc.edges(), {24.0f, true}, &doc.frame());
 
-#include <filesystem>
 #include <span>
 #include <string>
 
@@ -22,11 +21,5 @@ struct SvgExportOptions {
 /// its name tab are drawn around the content as well.
 std::string svgText(std::span<const core::Node> nodes, std::span<const core::Edge> edges,
                     SvgExportOptions options, const core::DiagramFrame* frame = nullptr);
-
-/// Writes the SVG text to `path` (temporary file, then rename). On failure
-/// returns false and, when `error` is given, says why; no partial file is left.
-bool exportSvg(const std::filesystem::path& path, std::span<const core::Node> nodes,
-               std::span<const core::Edge> edges, SvgExportOptions options,
-               std::string* error = nullptr);
 
 }  // namespace modelyne::exporter

@@ -5,9 +5,11 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPolygonF>
+#include <QRectF>
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
@@ -70,9 +72,55 @@ void paintText(QPainter& painter, const Primitive& p, std::string_view utf8, Fon
   painter.drawText(QPointF(x, p.v[1]), text);
 }
 
-}  // namespace
+/// Whether the primitive may show inside `visible`: the box of its geometry,
+/// grown by the stroke, meets it. A text is tested on its line's height
+/// only, since its width is known once shaped.
+bool mayShow(const exporter::DrawingList& d, const Primitive& p, const QRectF& visible) {
+  float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+  auto take = [&](float x, float y) {
+    x0 = std::min(x0, x); x1 = std::max(x1, x);
+    y0 = std::min(y0, y); y1 = std::max(y1, y);
+  };
+  switch (p.kind) {
+    case PrimitiveKind::text: {
+      const double size = p.v[2];
+      return p.v[1] + size >= visible.top() && p.v[1] - 1.5 * size <= visible.bottom();
+    }
+    case PrimitiveKind::rect:
+      x0 = x1 = p.v[0];
+      y0 = y1 = p.v[1];
+      take(p.v[0] + p.v[2], p.v[1] + p.v[3]);
+      break;
+    case PrimitiveKind::ellipse:
+      x0 = x1 = p.v[0] - p.v[2];
+      y0 = y1 = p.v[1] - p.v[3];
+      take(p.v[0] + p.v[2], p.v[1] + p.v[3]);
+      break;
+    case PrimitiveKind::line:
+    case PrimitiveKind::cubic: {
+      // A cubic lies inside the box of its control points.
+      x0 = x1 = p.v[0];
+      y0 = y1 = p.v[1];
+      const int n = p.kind == PrimitiveKind::line ? 2 : 4;
+      for (int i = 1; i < n; ++i) take(p.v[2 * i], p.v[2 * i + 1]);
+      break;
+    }
+    case PrimitiveKind::polygon:
+    case PrimitiveKind::polyline: {
+      if (p.count == 0) return false;
+      const exporter::Point* pts = d.pointsOf(p);
+      x0 = x1 = pts[0].x;
+      y0 = y1 = pts[0].y;
+      for (std::uint32_t i = 1; i < p.count; ++i) take(pts[i].x, pts[i].y);
+      break;
+    }
+  }
+  const double grow = p.strokeWidth + 1.0;  // the stroke and a unit of antialiasing
+  return x0 - grow <= visible.right() && x1 + grow >= visible.left() && y0 - grow <= visible.bottom() &&
+         y1 + grow >= visible.top();
+}
 
-void paint(QPainter& painter, const exporter::DrawingList& d) {
+void paintItems(QPainter& painter, const exporter::DrawingList& d, const QRectF* visible) {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing, true);
   painter.setRenderHint(QPainter::TextAntialiasing, true);
@@ -81,6 +129,7 @@ void paint(QPainter& painter, const exporter::DrawingList& d) {
   FontCache fonts;
   QPolygonF poly;
   for (const Primitive& p : d.items) {
+    if (visible && !mayShow(d, p, *visible)) continue;
     if (p.kind == PrimitiveKind::text) {
       paintText(painter, p, d.textOf(p), fonts);
       continue;
@@ -125,6 +174,14 @@ void paint(QPainter& painter, const exporter::DrawingList& d) {
     }
   }
   painter.restore();
+}
+
+}  // namespace
+
+void paint(QPainter& painter, const exporter::DrawingList& d) { paintItems(painter, d, nullptr); }
+
+void paint(QPainter& painter, const exporter::DrawingList& d, const QRectF& visible) {
+  paintItems(painter, d, &visible);
 }
 
 }  // namespace modelyne::render

@@ -11,11 +11,16 @@
 #include "export/drawing.h"
 
 class QPainter;
+class QRectF;
 
 namespace modelyne::render {
 
 /// Paints every primitive of `drawing` in order (the white page first when
 /// the list asks for it), with antialiasing, on any QPainter.
 void paint(QPainter& painter, const exporter::DrawingList& drawing);
+
+/// The same, skipping primitives that lie wholly outside `visible` (drawing
+/// units), so painting a part of a picture costs what that part shows.
+void paint(QPainter& painter, const exporter::DrawingList& drawing, const QRectF& visible);
 
 }  // namespace modelyne::render

@@ -1,8 +1,6 @@
 #include "render/raster_export.h"
 
-#include <QBuffer>
 #include <QGuiApplication>
-#include <QImageWriter>
 #include <QPainter>
 
 #include <algorithm>
@@ -10,12 +8,18 @@
 #include <sstream>
 
 #include "export/pdf_writer.h"
-#include "io/atomic_file.h"
 #include "render/painter.h"
+#include "render/picture_encoders.h"
 
 namespace modelyne::render {
 
 namespace {
+
+// Pixels painted at a time: a band of 4 Mi pixels is 16 MiB, whatever the
+// picture's size. A band is at least kMinBandRows high, so that a very wide
+// picture still goes in a few hundred bands rather than row by row.
+constexpr long long kBandPixels = 4LL << 20;
+constexpr int kMinBandRows = 16;
 
 /// Pixels along a side for a length in drawing units; at least one.
 long long pixelsFor(double length, double scale) {
@@ -24,42 +28,52 @@ long long pixelsFor(double length, double scale) {
   return px > 1e12 ? static_cast<long long>(1e12) : static_cast<long long>(px);
 }
 
-std::string encode(const QImage& image, const char* format, int quality) {
+/// Paints rows [firstRow, firstRow + band.height()) of the planned picture
+/// into `band`, visiting only what shows there.
+void paintBand(QImage& band, const exporter::DrawingList& d, const RasterPlan& plan, int firstRow) {
+  band.fill(Qt::white);
+  QPainter painter(&band);
+  painter.translate(0, -firstRow);
+  painter.scale(plan.scale, plan.scale);
+  painter.translate(-static_cast<double>(d.bounds.x), -static_cast<double>(d.bounds.y));
+  const QRectF visible(d.bounds.x, d.bounds.y + firstRow / plan.scale, band.width() / plan.scale,
+                       band.height() / plan.scale);
+  paint(painter, d, visible);
+}
+
+/// Paints the picture band by band, top to bottom, handing each band and
+/// its row count to `stream` (PngStream or JpegStream); their bytes, or
+/// empty on failure.
+template <typename Stream>
+std::string encodeInBands(const exporter::DrawingList& d, double scale, RasterPlan* planOut, RasterLimits limits,
+                          Stream&& stream) {
+  const RasterPlan plan = planRaster(d.bounds, scale, limits);
+  if (planOut) *planOut = plan;
+  const int rows = static_cast<int>(std::clamp<long long>(kBandPixels / plan.width, kMinBandRows, plan.height));
+  QImage band(plan.width, rows, QImage::Format_RGB32);
+  if (band.isNull()) return {};
+  for (int y = 0; y < plan.height; y += rows) {
+    paintBand(band, d, plan, y);
+    if (!stream.write(band, std::min(rows, plan.height - y))) return {};
+  }
+  return stream.finish();
+}
+
+template <typename Stream>
+std::string encodeImage(const QImage& image, Stream&& stream) {
   if (image.isNull()) return {};
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  QImageWriter writer(&buffer, format);
-  if (quality >= 0) writer.setQuality(quality);
-  if (!writer.write(image)) return {};
-  return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-}
-
-bool writeEncoded(const std::filesystem::path& path, const std::string& bytes, const char* what,
-                  std::string* error) {
-  if (bytes.empty()) {
-    if (error) *error = std::string("could not encode the picture as ") + what;
-    return false;
-  }
-  return io::writeFileAtomic(path, bytes, error);
-}
-
-bool rendered(const exporter::DrawingList& drawing, double scale, RenderedImage& out, std::string* error) {
-  out = renderImage(drawing, scale);
-  if (out.image.isNull()) {
-    if (error) *error = "not enough memory for the picture";
-    return false;
-  }
-  return true;
+  const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
+  if (!stream.write(rgb, rgb.height())) return {};
+  return stream.finish();
 }
 
 }  // namespace
 
-RenderedImage renderImage(const exporter::DrawingList& d, double scale, RasterLimits limits) {
-  RenderedImage result;
+RasterPlan planRaster(const exporter::Bounds& page, double scale, RasterLimits limits) {
+  RasterPlan plan;
   if (!(scale > 0) || !std::isfinite(scale)) scale = 1.0;
-  const double w = std::isfinite(d.bounds.width) && d.bounds.width > 0 ? d.bounds.width : 1.0;
-  const double h = std::isfinite(d.bounds.height) && d.bounds.height > 0 ? d.bounds.height : 1.0;
+  const double w = std::isfinite(page.width) && page.width > 0 ? page.width : 1.0;
+  const double h = std::isfinite(page.height) && page.height > 0 ? page.height : 1.0;
 
   const double requested = scale;
   long long pw = pixelsFor(w, scale);
@@ -72,59 +86,53 @@ RenderedImage renderImage(const exporter::DrawingList& d, double scale, RasterLi
     while (pw * ph > limits.maxPixels) {  // rounding up may overshoot by a row or column
       if (pw >= ph) --pw; else --ph;
     }
-    result.reduced = true;
+    plan.reduced = true;
     std::ostringstream note;
     note << "The picture was rendered at scale " << scale << " instead of " << requested << " to stay within "
          << limits.maxSide << " pixels a side and " << limits.maxPixels << " pixels in total.";
-    result.note = note.str();
+    plan.note = note.str();
   }
-  result.scale = scale;
+  plan.scale = scale;
+  plan.width = static_cast<int>(pw);
+  plan.height = static_cast<int>(ph);
+  return plan;
+}
 
-  result.image = QImage(static_cast<int>(pw), static_cast<int>(ph), QImage::Format_RGB32);
-  if (result.image.isNull()) return result;
-  result.image.fill(Qt::white);
-  QPainter painter(&result.image);
-  painter.scale(scale, scale);
-  painter.translate(-static_cast<double>(d.bounds.x), -static_cast<double>(d.bounds.y));
-  paint(painter, d);
-  painter.end();
+RenderedImage renderImage(const exporter::DrawingList& d, double scale, RasterLimits limits) {
+  const RasterPlan plan = planRaster(d.bounds, scale, limits);
+  RenderedImage result;
+  result.scale = plan.scale;
+  result.reduced = plan.reduced;
+  result.note = plan.note;
+  result.image = QImage(plan.width, plan.height, QImage::Format_RGB32);
+  if (!result.image.isNull()) paintBand(result.image, d, plan, 0);
   return result;
 }
 
-std::string encodePng(const QImage& image) { return encode(image, "png", -1); }
-
-std::string encodeJpeg(const QImage& image, int quality) {
-  return encode(image.convertToFormat(QImage::Format_RGB888), "jpeg", quality);
+std::string pngBytes(const exporter::DrawingList& d, double scale, RasterPlan* plan, RasterLimits limits) {
+  const RasterPlan sized = planRaster(d.bounds, scale, limits);
+  return encodeInBands(d, scale, plan, limits, PngStream(sized.width, sized.height));
 }
 
-bool exportPng(const std::filesystem::path& path, const exporter::DrawingList& drawing, double scale,
-               std::string* error, RenderedImage* out) {
-  RenderedImage local;
-  RenderedImage& r = out ? *out : local;
-  return rendered(drawing, scale, r, error) && writeEncoded(path, encodePng(r.image), "PNG", error);
+std::string jpegBytes(const exporter::DrawingList& d, double scale, RasterPlan* plan, RasterLimits limits) {
+  const RasterPlan sized = planRaster(d.bounds, scale, limits);
+  return encodeInBands(d, scale, plan, limits, JpegStream(sized.width, sized.height));
 }
 
-bool exportJpeg(const std::filesystem::path& path, const exporter::DrawingList& drawing, double scale,
-                std::string* error, RenderedImage* out) {
-  RenderedImage local;
-  RenderedImage& r = out ? *out : local;
-  return rendered(drawing, scale, r, error) && writeEncoded(path, encodeJpeg(r.image), "JPEG", error);
+std::string pdfBytes(const exporter::DrawingList& d, double scale, RasterPlan* planOut, RasterLimits limits) {
+  RasterPlan plan;
+  const std::string jpeg = jpegBytes(d, scale, &plan, limits);
+  if (planOut) *planOut = plan;
+  if (jpeg.empty()) return {};
+  const auto pw = static_cast<std::uint32_t>(plan.width);
+  const auto ph = static_cast<std::uint32_t>(plan.height);
+  // 96 pixels an inch on a page of 72 points an inch.
+  return exporter::pdfDocument(jpeg, pw, ph, pw * 0.75, ph * 0.75);
 }
 
-bool exportPdf(const std::filesystem::path& path, const exporter::DrawingList& drawing, double scale,
-               std::string* error, RenderedImage* out) {
-  RenderedImage local;
-  RenderedImage& r = out ? *out : local;
-  if (!rendered(drawing, scale, r, error)) return false;
-  const std::string jpeg = encodeJpeg(r.image);
-  if (jpeg.empty()) {
-    if (error) *error = "could not encode the picture as JPEG";
-    return false;
-  }
-  const auto pw = static_cast<std::uint32_t>(r.image.width());
-  const auto ph = static_cast<std::uint32_t>(r.image.height());
-  return exporter::exportPdf(path, jpeg, pw, ph, pw * 0.75, ph * 0.75, error);
-}
+std::string encodePng(const QImage& image) { return encodeImage(image, PngStream(image.width(), image.height())); }
+
+std::string encodeJpeg(const QImage& image) { return encodeImage(image, JpegStream(image.width(), image.height())); }
 
 QGuiApplication* ensureGuiApplication() {
   if (QCoreApplication* existing = QCoreApplication::instance())

@@ -1,17 +1,18 @@
 #pragma once
-/// Raster output of a drawing list: an antialiased picture on a white page at
-/// a chosen scale, written as PNG or JPEG, or wrapped as a one-page PDF.
-/// Picture size is capped (a side and a total pixel count); a drawing too
-/// large for the cap is rendered at a smaller scale, and the result says so.
+/// Raster pictures of a drawing list: antialiased on a white page at a
+/// chosen scale. Encoded pictures (PNG, JPEG, and PDF around the JPEG) are
+/// painted in bands of bounded size and encoded as they are painted, so
+/// memory does not grow with the picture. Picture size is capped (a side and
+/// a total pixel count); a drawing too large for the cap is rendered at a
+/// smaller scale, and the plan says so.
 ///
 ///   render::ensureGuiApplication();
 ///   auto list = exporter::buildDrawing(doc.nodes(), doc.edges(), {});
-///   std::string err;
-///   if (!render::exportPng("d.png", list, 2.0, &err)) report(err);
+///   render::RasterPlan plan;
+///   std::string png = render::pngBytes(list, 2.0, &plan);
 
 #include <QImage>
 
-#include <filesystem>
 #include <string>
 
 #include "export/drawing.h"
@@ -26,6 +27,19 @@ struct RasterLimits {
   long long maxPixels = 64LL << 20;     ///< pixels in total (64 Mi: 256 MiB as 32-bit pixels)
 };
 
+/// The picture's size and the scale that gives it.
+struct RasterPlan {
+  int width = 1;
+  int height = 1;
+  double scale = 1.0;         ///< the scale actually used
+  bool reduced = false;       ///< true when the requested scale exceeded the limits
+  std::string note;           ///< why the scale was reduced, for the user; empty otherwise
+};
+
+/// The plan for the drawing's page at `scale` pixels per drawing unit (a
+/// scale that is not a positive finite number counts as 1).
+RasterPlan planRaster(const exporter::Bounds& page, double scale, RasterLimits limits = {});
+
 struct RenderedImage {
   QImage image;               ///< white page; null only when memory ran out
   double scale = 1.0;         ///< the scale actually used
@@ -33,24 +47,23 @@ struct RenderedImage {
   std::string note;           ///< why the scale was reduced, for the user; empty otherwise
 };
 
-/// Renders the drawing's page at `scale` pixels per drawing unit (a scale
-/// that is not a positive finite number counts as 1).
+/// The whole picture in memory at once (for showing it; files use the
+/// encoders below).
 RenderedImage renderImage(const exporter::DrawingList& drawing, double scale, RasterLimits limits = {});
 
-/// PNG or JPEG (quality 0..100) bytes of an image; empty on failure.
-std::string encodePng(const QImage& image);
-std::string encodeJpeg(const QImage& image, int quality = 92);
-
-/// Render and write in one piece (temporary file, then rename). On failure
-/// return false and, when `error` is given, say why. `rendered` receives the
-/// render result (to report a reduced scale).
-bool exportPng(const std::filesystem::path& path, const exporter::DrawingList& drawing, double scale,
-               std::string* error = nullptr, RenderedImage* rendered = nullptr);
-bool exportJpeg(const std::filesystem::path& path, const exporter::DrawingList& drawing, double scale,
-                std::string* error = nullptr, RenderedImage* rendered = nullptr);
+/// Encoded pictures, painted band by band. Empty on failure (no memory for
+/// a band, or an encoder error). `plan`, when given, receives the plan used.
+std::string pngBytes(const exporter::DrawingList& drawing, double scale, RasterPlan* plan = nullptr,
+                     RasterLimits limits = {});
+std::string jpegBytes(const exporter::DrawingList& drawing, double scale, RasterPlan* plan = nullptr,
+                      RasterLimits limits = {});
 /// One-page PDF around the JPEG picture; the page is the pixel size x 0.75 points.
-bool exportPdf(const std::filesystem::path& path, const exporter::DrawingList& drawing, double scale,
-               std::string* error = nullptr, RenderedImage* rendered = nullptr);
+std::string pdfBytes(const exporter::DrawingList& drawing, double scale, RasterPlan* plan = nullptr,
+                     RasterLimits limits = {});
+
+/// PNG or JPEG bytes of an image in memory, with the same encoders; empty on failure.
+std::string encodePng(const QImage& image);
+std::string encodeJpeg(const QImage& image);
 
 /// The running QGuiApplication (needed for fonts), creating one on the
 /// "offscreen" platform when none exists and QT_QPA_PLATFORM is unset.

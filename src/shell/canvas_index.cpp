@@ -3,39 +3,28 @@
 #include <QLineF>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
+#include "export/node_outlines.h"
 #include "export/orthogonal_route.h"
 
 namespace modelyne::shell {
 namespace {
 
-// Room for what is drawn outside a node's box: actor names, port and pin
-// labels below, stroke widths around.
+// Half the widest stroke (3 units, an end event's ring) and a unit of
+// antialiasing, rounded up.
+constexpr double kStrokeSlack = 4.0;
+
+// What a node paints, labels outside its box included, as the exporter
+// draws it; NaN when the node has no finite extent (it is left out of the grid).
 QRectF paintedBox(const core::Node& n) {
-  const auto& g = n.geom;
-  double below = 4.0;
-  double side = 4.0;
-  switch (n.type) {
-    case core::ShapeType::umlActor:
-    case core::ShapeType::sysmlActor:
-      below = 24.0;
-      side = 40.0;
-      break;
-    case core::ShapeType::sysmlFlowPort:
-    case core::ShapeType::sysmlProxyPort:
-    case core::ShapeType::sysmlFullPort:
-    case core::ShapeType::sysmlPin:
-    case core::ShapeType::sysmlStandardPort:
-    case core::ShapeType::sysmlConstraintParameter:
-    case core::ShapeType::sysmlWaitTimeAction:
-    case core::ShapeType::sysmlPort:
-      below = 20.0;
-      side = 8.0 + static_cast<double>(n.text.size()) * 9.0 * 0.62 / 2.0;
-      break;
-    default:
-      break;
+  const exporter::Extent e = exporter::nodeCover(n).painted;
+  if (!e.any || !(e.maxX >= e.minX) || !(e.maxY >= e.minY)) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    return QRectF(nan, nan, nan, nan);
   }
-  return QRectF(g.x - side, g.y - 4.0, g.w + 2 * side, g.h + 4.0 + below).normalized();
+  return QRectF(QPointF(e.minX, e.minY), QPointF(e.maxX, e.maxY))
+      .adjusted(-kStrokeSlack, -kStrokeSlack, kStrokeSlack, kStrokeSlack);
 }
 
 double distanceToSegment(QPointF p, QPointF a, QPointF b) {

@@ -8,10 +8,8 @@
 #include "ai/generate_flow.h"
 #include "check/assessment.h"
 #include "check/validate.h"
-#include "export/diagram_drawing.h"
 #include "explain/explain.h"
-#include "export/svg_export.h"
-#include "render/raster_export.h"
+#include "render/export_diagram.h"
 #include "shell/canvas_view.h"
 #include "shell/command_palette.h"
 #include "shell/dialogs/ai_generate_dialog.h"
@@ -31,9 +29,6 @@ namespace modelyne::shell {
 namespace {
 
 namespace par = core::sim::parametric;
-
-// Raster exports are drawn at twice the diagram scale for crisp text.
-constexpr double kRasterScale = 2.0;
 
 QString native(const QString& path) { return QDir::toNativeSeparators(path); }
 
@@ -181,30 +176,17 @@ bool MainWindow::exportTo(const QString& path) {
     logMessage(ui("ui.msg.no_document"));
     return false;
   }
-  const auto* doc = session_->document();
-  const QString ext = QFileInfo(path).suffix().toLower();
-  const std::filesystem::path target = path.toStdString();
-  std::string error;
-  bool ok = false;
-  QString kind = ext.toUpper();
-  if (ext == QLatin1String("svg")) {
-    ok = exporter::exportSvg(target, doc->nodes(), doc->edges(), {24.0f, true}, &error);
-  } else {
-    const exporter::DrawingList list = exporter::buildDrawing(doc->nodes(), doc->edges(), {24.0f, true, nullptr});
-    render::RenderedImage rendered;
-    if (ext == QLatin1String("png")) ok = render::exportPng(target, list, kRasterScale, &error, &rendered);
-    else if (ext == QLatin1String("pdf")) ok = render::exportPdf(target, list, kRasterScale, &error, &rendered);
-    else if (ext == QLatin1String("jpg") || ext == QLatin1String("jpeg")) {
-      kind = QStringLiteral("JPEG");
-      ok = render::exportJpeg(target, list, kRasterScale, &error, &rendered);
-    } else {
-      error = ui("ui.msg.unknown_format").toStdString();
-    }
-    if (ok && rendered.reduced) logMessage(QString::fromStdString(rendered.note));
+  const render::ExportResult r = render::exportDiagram(path.toStdString(), *session_->document());
+  if (!r.format) {
+    logMessage(ui("ui.msg.file_write_failed_kind")
+                   .arg(QFileInfo(path).suffix().toUpper(), native(path), ui("ui.msg.unknown_format")));
+    return false;
   }
-  if (ok) logMessage(ui("ui.log.exported_to").arg(native(path)));
-  else logMessage(ui("ui.msg.file_write_failed_kind").arg(kind, native(path), QString::fromStdString(error)));
-  return ok;
+  if (!r.notes.reducedScale.empty()) logMessage(QString::fromStdString(r.notes.reducedScale));
+  const QString kind = QString::fromUtf8(r.format->name.data(), static_cast<qsizetype>(r.format->name.size()));
+  if (r.ok) logMessage(ui("ui.log.exported_to").arg(native(path)));
+  else logMessage(ui("ui.msg.file_write_failed_kind").arg(kind, native(path), QString::fromStdString(r.error)));
+  return r.ok;
 }
 
 void MainWindow::exportDialog(const QString& format) {

@@ -371,11 +371,11 @@ TEST(CliExport, FormatFollowsTheExtensionWithoutADisplay) {
   EXPECT_EQ(readText(dir / "d.JPEG"), readText(dir / "d.jpg"));
   EXPECT_TRUE(readText(dir / "d.pdf").starts_with("%PDF-1.4"));
 
-  // Scale doubles the picture; the margin widens it; the page can be left out of SVG.
-  ASSERT_EQ(runTool({"export", sample, "-o", "d2.png", "--scale", "2"}, {}, dir).exitCode, 0);
-  EXPECT_EQ(pngWidth(readText(dir / "d2.png")), 2 * pngWidth(readText(dir / "d.png")));
+  // The editor's scale of 2 by default; the margin widens the picture; the page can be left out of SVG.
+  ASSERT_EQ(runTool({"export", sample, "-o", "d1.png", "--scale", "1"}, {}, dir).exitCode, 0);
+  EXPECT_EQ(pngWidth(readText(dir / "d.png")), 2 * pngWidth(readText(dir / "d1.png")));
   ASSERT_EQ(runTool({"export", sample, "-o", "m.png", "--margin", "34"}, {}, dir).exitCode, 0);
-  EXPECT_EQ(pngWidth(readText(dir / "m.png")), pngWidth(readText(dir / "d.png")) + 20);
+  EXPECT_EQ(pngWidth(readText(dir / "m.png")), pngWidth(readText(dir / "d.png")) + 2 * 20);
   ASSERT_EQ(runTool({"export", sample, "-o", "nb.svg", "--no-background"}, {}, dir).exitCode, 0);
   EXPECT_NE(readText(dir / "d.svg").find("fill=\"#FFFFFF\"/>\n"), std::string::npos);
   EXPECT_EQ(readText(dir / "nb.svg").find("fill=\"#FFFFFF\"/>\n"), std::string::npos);

@@ -55,13 +55,5 @@ TEST(PdfWriter, OffsetsPointAtTheObjects) {
   EXPECT_NE(pdf.find("/Length 1000 >>\nstream\n" + jpeg + "\nendstream"), std::string::npos);
 }
 
-TEST(PdfWriter, WritesTheFileInOnePiece) {
-  const auto dir = testing::scratchDir("pdf-writer");
-  std::string error;
-  ASSERT_TRUE(exportPdf(dir / "a.pdf", "JPEG", 4, 3, 3.0, 2.25, &error)) << error;
-  EXPECT_EQ(testing::readAll(dir / "a.pdf"), pdfDocument("JPEG", 4, 3, 3.0, 2.25));
-  EXPECT_FALSE(exportPdf(dir / "missing" / "a.pdf", "JPEG", 4, 3, 3.0, 2.25, &error));
-}
-
 }  // namespace
 }  // namespace modelyne::exporter

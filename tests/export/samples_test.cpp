@@ -11,6 +11,7 @@
 
 #include "export/svg_export.h"
 #include "export_tools.h"
+#include "io/atomic_file.h"
 #include "io/diagram_reader.h"
 
 namespace modelyne::exporter {
@@ -41,7 +42,8 @@ TEST(Samples, OneSamplePerDiagramKindExportsToValidSvg) {
 
     const auto svgFile = dir / (file.stem().string() + ".svg");
     std::string writeError;
-    ASSERT_TRUE(exportSvg(svgFile, content->nodes, content->edges, {24.0f, true}, &writeError)) << writeError;
+    ASSERT_TRUE(io::writeFileAtomic(svgFile, svgText(content->nodes, content->edges, {24.0f, true}), &writeError))
+        << writeError;
     EXPECT_TRUE(testing::xmllintAccepts(svgFile));
     EXPECT_TRUE(testing::rsvgRenders(svgFile));
     const std::string framed = svgText(content->nodes, content->edges, {24.0f, true}, &content->frame);

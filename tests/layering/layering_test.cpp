@@ -30,7 +30,7 @@ const std::map<std::string, Layer>& layers() {
       {"io", {{"core", "io"}}},
       {"bridge", {{"core", "io", "bridge"}}},
       {"check", {{"core", "check"}}},
-      {"export", {{"core", "io", "export"}}},
+      {"export", {{"core", "export"}}},
       {"explain", {{"core", "explain"}}},
       {"sim", {{"core", "bridge", "sim"}}},
       {"ai", {{"core", "bridge", "ai"}}},

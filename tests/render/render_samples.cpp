@@ -33,7 +33,8 @@ int main(int argc, char** argv) {
     }
     const auto list = exporter::buildDrawing(content->nodes, content->edges, {24.0f, true, &content->frame});
     const auto out = std::filesystem::path(argv[2]) / (entry.path().stem().string() + ".png");
-    if (!render::exportPng(out, list, scale, &error)) {
+    const std::string png = render::pngBytes(list, scale);
+    if (png.empty() || !io::writeFileAtomic(out, png, &error)) {
       std::cerr << out.string() << ": " << error << "\n";
       ++failures;
       continue;

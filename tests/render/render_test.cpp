@@ -12,6 +12,7 @@
 
 #include "export/diagram_drawing.h"
 #include "export/export_tools.h"
+#include "io/atomic_file.h"
 #include "io/diagram_reader.h"
 #include "render/raster_export.h"
 
@@ -88,16 +89,19 @@ TEST_F(Render, PngJpegAndPdfFiles) {
                                 makeNode("b", ShapeType::umlActor, 200, 0, 40, 70, "Driver")};
   const auto list = drawingOf(nodes, 24);
   const auto dir = testing::scratchDir("render-files");
-  std::string error;
-  RenderedImage r;
-  ASSERT_TRUE(exportPng(dir / "d.png", list, 2.0, &error, &r)) << error;
-  const QImage png(QString::fromStdString((dir / "d.png").string()));
-  EXPECT_EQ(png.size(), r.image.size());
-  EXPECT_EQ(png.width(), 2 * (240 + 48));
-  ASSERT_TRUE(exportJpeg(dir / "d.jpg", list, 1.0, &error)) << error;
+  RasterPlan plan;
+  const std::string png = pngBytes(list, 2.0, &plan);
+  ASSERT_TRUE(io::writeFileAtomic(dir / "d.png", png));
+  const QImage decoded(QString::fromStdString((dir / "d.png").string()));
+  EXPECT_EQ(decoded.width(), 2 * (240 + 48));
+  EXPECT_EQ(decoded.width(), plan.width);
+  EXPECT_EQ(decoded.height(), plan.height);
+  // Lossless: the file holds exactly the picture painted in memory.
+  EXPECT_EQ(decoded.convertToFormat(QImage::Format_RGB32), renderImage(list, 2.0).image);
+  ASSERT_TRUE(io::writeFileAtomic(dir / "d.jpg", jpegBytes(list, 1.0)));
   EXPECT_EQ(QImage(QString::fromStdString((dir / "d.jpg").string())).width(), 288);
 
-  ASSERT_TRUE(exportPdf(dir / "d.pdf", list, 1.0, &error, &r)) << error;
+  ASSERT_TRUE(io::writeFileAtomic(dir / "d.pdf", pdfBytes(list, 1.0, &plan)));
   const std::string pdf = testing::readAll(dir / "d.pdf");
   EXPECT_NE(pdf.find("/MediaBox [0 0 216.00 " ), std::string::npos);  // 288 px x 0.75
   EXPECT_TRUE(testing::runQuiet("qpdf --check '" + (dir / "d.pdf").string() + "'"));
@@ -105,11 +109,38 @@ TEST_F(Render, PngJpegAndPdfFiles) {
   ASSERT_TRUE(testing::runQuiet("pdftoppm -r 96 -png -singlefile '" + (dir / "d.pdf").string() + "' '" +
                                 (dir / "page").string() + "'"));
   const QImage page(QString::fromStdString((dir / "page.png").string()));
-  EXPECT_EQ(page.width(), r.image.width());
-  EXPECT_EQ(page.height(), r.image.height());
+  EXPECT_EQ(page.width(), plan.width);
+  EXPECT_EQ(page.height(), plan.height);
+}
 
-  EXPECT_FALSE(exportPng(dir / "missing" / "d.png", list, 1.0, &error));
-  EXPECT_FALSE(error.empty());
+// A picture taller than one band is painted in several and comes out as
+// one: the same pixels as painted in one piece, and a valid PNG.
+TEST_F(Render, BandsGiveTheSamePictureAsOnePiece) {
+  std::vector<core::Node> nodes;
+  for (int i = 0; i < 40; ++i)
+    nodes.push_back(makeNode("n" + std::to_string(i), i % 2 ? ShapeType::umlUseCase : ShapeType::umlActor,
+                             static_cast<float>(i % 3) * 90, static_cast<float>(i) * 80, 80, 60,
+                             "Node " + std::to_string(i)));
+  const auto list = drawingOf(nodes, 24);
+  const RenderedImage whole = renderImage(list, 3.0);
+  // A band holds 4 Mi pixels: 4539 rows of 924 pixels, so this takes three.
+  ASSERT_EQ(whole.image.width(), 924);
+  ASSERT_GT(whole.image.height(), 9080);
+  const std::string png = pngBytes(list, 3.0);
+  QImage decoded;
+  ASSERT_TRUE(decoded.loadFromData(reinterpret_cast<const uchar*>(png.data()), static_cast<int>(png.size()), "PNG"));
+  EXPECT_EQ(decoded.convertToFormat(QImage::Format_RGB32), whole.image);
+}
+
+// A huge label costs what its first characters cost: the picture of a
+// label of a million characters is that of its capped text with an ellipsis.
+TEST_F(Render, HugeLabelsAreDrawnCapped) {
+  const std::string huge(1'000'000, 'W');
+  const std::string shown = std::string(exporter::kMaxLabelBytes, 'W') + "\u2026";
+  const auto a = drawingOf({makeNode("t", ShapeType::rect, 0, 0, 200, 40, huge)});
+  const auto b = drawingOf({makeNode("t", ShapeType::rect, 0, 0, 200, 40, shown)});
+  EXPECT_EQ(a.text, shown);
+  EXPECT_EQ(pngBytes(a, 1.0), pngBytes(b, 1.0));
 }
 
 TEST_F(Render, EverySampleRendersAndWrapsAsPdf) {
@@ -122,10 +153,9 @@ TEST_F(Render, EverySampleRendersAndWrapsAsPdf) {
     ASSERT_TRUE(content.has_value());
     const auto list = exporter::buildDrawing(content->nodes, content->edges, {24.0f, true, &content->frame});
     const auto pdf = dir / (entry.path().stem().string() + ".pdf");
-    std::string error;
-    RenderedImage r;
-    ASSERT_TRUE(exportPdf(pdf, list, 1.0, &error, &r)) << error;
-    EXPECT_FALSE(r.reduced);
+    RasterPlan plan;
+    ASSERT_TRUE(io::writeFileAtomic(pdf, pdfBytes(list, 1.0, &plan)));
+    EXPECT_FALSE(plan.reduced);
     EXPECT_TRUE(testing::runQuiet("qpdf --check '" + pdf.string() + "'"));
     ++count;
   }
