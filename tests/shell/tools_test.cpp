@@ -1,6 +1,7 @@
 // Commands of the Tools menu and exports, driven through the main window.
 #include <QFile>
 #include <QListWidget>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 #include "bridge/review.h"
@@ -124,6 +125,29 @@ TEST(ShellTools, ExportWritesEveryFormat) {
   const QString bad = e.data.filePath(QStringLiteral("missing/out.png"));
   EXPECT_FALSE(e.window->exportTo(bad));
   EXPECT_TRUE(e.logged(QStringLiteral("PNG export failed: could not write %1").arg(QDir::toNativeSeparators(bad))));
+}
+
+// The editor's Export and `modelyne export` are one function: for every
+// format the same file gives the same bytes from both faces, the diagram
+// frame included.
+TEST(ShellTools, EditorAndToolExportTheSameBytes) {
+  Editor e;
+  const QString sample = QStringLiteral(MODELYNE_SOURCE_DIR "/samples/bdd-vehicle.xml");
+  ASSERT_TRUE(e.window->openFile(sample));
+  for (const char* format : {"svg", "pdf", "png", "jpg", "jpeg"}) {
+    const QString editor = e.data.filePath(QStringLiteral("editor.") + QLatin1String(format));
+    const QString tool = e.data.filePath(QStringLiteral("tool.") + QLatin1String(format));
+    ASSERT_TRUE(e.window->exportTo(editor)) << format;
+    QProcess run;
+    run.start(QStringLiteral(MODELYNE_CLI_PATH), {QStringLiteral("export"), sample, QStringLiteral("-o"), tool});
+    ASSERT_TRUE(run.waitForFinished(120000)) << format;
+    ASSERT_EQ(run.exitCode(), 0) << format << ": " << run.readAllStandardError().toStdString();
+    const QByteArray bytes = head(editor, 1 << 30);
+    EXPECT_GT(bytes.size(), 1000) << format;
+    EXPECT_TRUE(bytes == head(tool, 1 << 30)) << format;
+  }
+  EXPECT_TRUE(head(e.data.filePath(QStringLiteral("editor.svg")), 1 << 20)
+                  .contains(">bdd [package] Vehicle Structure [Product Breakdown]</text>"));
 }
 
 // Switching the language retranslates the menus at once.
