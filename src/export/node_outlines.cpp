@@ -215,6 +215,18 @@ constexpr float kOperatorTabPadding = 12.0f;
 // so the cut corner stays clear.
 constexpr float kFrameLabelSize = 11.0f;
 constexpr float kFrameTabPadding = 16.0f;
+// A note's folded corner.
+constexpr float kNoteFold = 10.0f;
+// Point of a signal pentagon: half the height, at most a quarter of the width.
+constexpr float kPentagonPointOfHeight = 0.5f;
+constexpr float kPentagonPointOfWidth = 0.25f;
+// Flow arrow across a port square: it reaches 0.3 of the square from the
+// centre either way, its head 0.18 of the square long.
+constexpr float kPortArrowReach = 0.3f;
+constexpr float kPortArrowHead = 0.18f;
+// Port labels: 11-unit type beside a square of 16 or more, else 9.
+constexpr float kLargePortSquare = 16.0f;
+constexpr float kLargePortLabel = 11.0f;
 
 // ---- Geometry helpers ----
 
@@ -432,8 +444,8 @@ void drawPortDirection(DrawingBuilder& out, const core::Node& node, const Square
   }
   const Point c{sq.x + sq.size / 2, sq.y + sq.size / 2};
   const Point n{-u.y, u.x};
-  const float half = sq.size * 0.3f;
-  const float head = sq.size * 0.18f;
+  const float half = sq.size * kPortArrowReach;
+  const float head = sq.size * kPortArrowHead;
   const Point a{c.x - u.x * half, c.y - u.y * half};
   const Point b{c.x + u.x * half, c.y + u.y * half};
   out.line(a.x, a.y, b.x, b.y, 1.0f, false, ink);
@@ -476,7 +488,7 @@ struct PortLabel {
 PortLabel portLabelPlacement(const core::Node& node, const Square& sq) {
   PortLabel label;
   label.text = portLabel(node);
-  label.size = sq.size >= 16 ? 11.0f : kSmall;
+  label.size = sq.size >= kLargePortSquare ? kLargePortLabel : kSmall;
   label.x = sq.x + sq.size / 2;
   label.baseline = sq.y + sq.size + label.size + 2;
   switch (sideOf(property(node, "boundarySide"))) {
@@ -602,7 +614,7 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
       drawFragment(out, node, b);
       return;
     case Outline::note: {
-      const float fold = std::min({10.0f, b.w, b.h});
+      const float fold = std::min({kNoteFold, b.w, b.h});
       out.polygon({{b.x, b.y}, {b.x + b.w - fold, b.y}, {b.x + b.w, b.y + fold}, {b.x + b.w, b.y + b.h},
                    {b.x, b.y + b.h}},
                   fill);
@@ -627,7 +639,7 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
       linesFrom(out, cx, b.y + b.h + kPinLabelBaseline, style.labelSize, TextAnchor::middle, caption);
       return;
     case Outline::sendSignal: {
-      const float d = std::min(b.h * 0.5f, b.w * 0.25f);
+      const float d = std::min(b.h * kPentagonPointOfHeight, b.w * kPentagonPointOfWidth);
       out.polygon({{b.x, b.y}, {b.x + b.w - d, b.y}, {b.x + b.w, cy}, {b.x + b.w - d, b.y + b.h},
                    {b.x, b.y + b.h}},
                   fill);
@@ -635,7 +647,7 @@ void drawOutline(DrawingBuilder& out, const core::Node& node, const ShapeStyle& 
       return;
     }
     case Outline::acceptEvent: {
-      const float d = std::min(b.h * 0.5f, b.w * 0.25f);
+      const float d = std::min(b.h * kPentagonPointOfHeight, b.w * kPentagonPointOfWidth);
       out.polygon({{b.x, b.y}, {b.x + b.w, b.y}, {b.x + b.w, b.y + b.h}, {b.x, b.y + b.h}, {b.x + d, cy}},
                   fill);
       centredLabel(out, b.x, b.y, b.w, b.h, caption, style.labelSize);

@@ -1,9 +1,9 @@
 #pragma once
 /// Streaming PNG and JPEG encoders over rows of 32-bit pixels (QImage's
 /// RGB32 layout), so a picture can be encoded band by band as it is painted.
-/// PNG uses zlib level 1 and one fixed row filter: diagrams are large flat
-/// areas, where searching every filter at a higher level costs most of the
-/// export time and gains little.
+/// PNG uses zlib level 1 and no row filter: diagrams are large flat areas,
+/// where searching every filter at a higher level costs most of the export
+/// time and gains nothing.
 ///
 ///   PngStream png(width, height);
 ///   png.write(band, rows);   // as often as needed, top to bottom
