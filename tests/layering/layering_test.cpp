@@ -34,9 +34,10 @@ const std::map<std::string, Layer>& layers() {
       {"explain", {{"core", "explain"}}},
       {"sim", {{"core", "bridge", "sim"}}},
       {"ai", {{"core", "bridge", "ai"}}},
+      {"cloud", {{"ai", "cloud"}}},
       {"render", {{"core", "io", "export", "render"}, true}},
-      {"cli", {{"core", "io", "bridge", "check", "export", "explain", "sim", "ai", "render", "cli"}}},
-      {"shell", {{"core", "io", "bridge", "check", "export", "explain", "sim", "ai", "render", "shell"}, true}},
+      {"cli", {{"core", "io", "bridge", "check", "export", "explain", "sim", "ai", "cloud", "render", "cli"}}},
+      {"shell", {{"core", "io", "bridge", "check", "export", "explain", "sim", "ai", "cloud", "render", "shell"}, true}},
   };
   return table;
 }
