@@ -9,3 +9,4 @@ modelyne_fuzzer(fuzz_load_diagram_xml SOURCES load_diagram_xml.cpp LIBS modelyne
 modelyne_fuzzer(fuzz_load_project SOURCES load_project.cpp LIBS modelyne_io)
 modelyne_fuzzer(fuzz_propagation SOURCES propagation.cpp LIBS modelyne_sim)
 modelyne_fuzzer(fuzz_export_svg SOURCES export_svg.cpp LIBS modelyne_export modelyne_io)
+modelyne_fuzzer(fuzz_cloud_reply SOURCES cloud_reply.cpp LIBS modelyne_cloud)

@@ -8,6 +8,7 @@
 #include "ai/generate_flow.h"
 #include "ai/interpreter.h"
 #include "ai/plan.h"
+#include "cli/cloud_setup.h"
 #include "cli/commands.h"
 #include "cli/model_input.h"
 #include "cli/output.h"
@@ -29,8 +30,9 @@ constexpr std::string_view kHelp =
     "into a new model file whose diagram, of kind KEY (default bdd), holds the\n"
     "generated elements; with --plan prints the plan text instead. The offline\n"
     "backend (default) uses the built-in interpreter; the cloud backend falls\n"
-    "back to it when no cloud AI is reachable. The flow's log lines and the\n"
-    "plan's notes go to standard error.\n"
+    "back to it when no cloud AI is configured or reachable (see 'modelyne\n"
+    "cloud test'). The flow's log lines and the plan's notes go to standard\n"
+    "error.\n"
     "\n"
     "exit status: 0 done; 1 no entity found; 2 error.\n"
     "\n"
@@ -44,10 +46,7 @@ constexpr std::string_view kNoEntities =
     "AI Generate: no named entities found. Name components such as System, Subsystem, Component, "
     "Interface, Actor.";
 constexpr std::string_view kCloudNotConfigured = "Cloud AI is not configured; using deterministic fallback.";
-
-// The tool has no cloud AI client yet; the cloud backend then takes the
-// offline path and says so.
-ai::CloudCall cloudClient() { return {}; }
+constexpr std::string_view kCloudFailed = "Cloud AI request failed; using deterministic fallback.";
 
 bool isBlank(std::string_view s) {
   return s.find_first_not_of(" \t\r\n\v\f") == std::string_view::npos;
@@ -60,16 +59,24 @@ void logKey(std::string_view key, std::string_view arg = {}) {
 }
 
 // Steps 4 to 6 of the flow without a document: the plan itself.
-int generatePlan(const std::string& prompt, const std::string& backend,
-                 const std::optional<std::string>& out) {
-  const ai::CloudCall cloud = backend == "cloud" ? cloudClient() : ai::CloudCall{};
+int generatePlan(const std::string& prompt, std::string backend, const std::optional<std::string>& out) {
+  CloudSetup setup;
+  if (backend == "cloud") setup = openCloud();
+  if (backend == "cloud" && setup.quota.limited && setup.quota.remaining <= 0) {
+    logKey(ai::kKeyQuotaReached);
+    backend = "offline";
+  }
+  const ai::CloudCall cloud = backend == "cloud" ? setup.call : ai::CloudCall{};
   logKey(ai::kKeyRunning, backend);
+  if (backend == "cloud" && setup.quota.limited) logKey(ai::kKeyQuotaRemaining, std::to_string(setup.quota.remaining));
   if (backend == "cloud" && !cloud) diagnostic(kCloudNotConfigured);
   if (!cloud) logKey(ai::kKeyOfflineHint);
 
   ai::DiagramPlan plan;
   std::string log;
   const bool fromCloud = cloud && ai::GeneratePlanWithCloud(prompt, nullptr, plan, log, cloud);
+  for (const std::string& why : *setup.failures) diagnostic(why);
+  if (cloud && !fromCloud && log.empty()) diagnostic(kCloudFailed);
   for (std::size_t start = 0; start < log.size();) {
     const std::size_t eol = std::min(log.find('\n', start), log.size());
     if (eol > start) diagnostic(log.substr(start, eol - start));
@@ -103,9 +110,17 @@ int run(const Args& args) {
   request.kind = kind;
   request.prompt = prompt;
   request.backend = backend;
-  request.cloud = backend == "cloud" ? cloudClient() : ai::CloudCall{};
+  CloudSetup setup;
+  if (backend == "cloud") setup = openCloud();
+  request.cloud = setup.call;
+  request.quota = setup.quota;
   const ai::GenerateResult result = ai::RunAiGenerate(request);
-  for (const ai::LogEntry& entry : result.log) diagnostic(entry.text);
+  for (const ai::LogEntry& entry : result.log) {
+    // The reason comes just before the flow says it falls back.
+    if (entry.text == kCloudFailed)
+      for (const std::string& why : *setup.failures) diagnostic(why);
+    diagnostic(entry.text);
+  }
   if (!result.applied) {
     if (!result.log.empty() && result.log.back().text == kNoEntities) return kExitNegative;
     throw CliError("nothing was generated");

@@ -38,5 +38,6 @@ const Command& promptCommand();
 const Command& evalCommand();
 const Command& infoCommand();
 const Command& formatCommand();
+const Command& cloudCommand();
 
 }  // namespace modelyne::cli
