@@ -7,7 +7,6 @@
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <thread>
-#include <unistd.h>
 
 #include "ai/prompts.h"
 #include "cloud/ai_client.h"
@@ -24,14 +23,6 @@ using test::TestServer;
 
 constexpr std::string_view kPlanReply =
     R"({"choices":[{"index":0,"message":{"role":"assistant","content":"TITLE|Drone\nNODE|n1|Block|Drone\nNODE|n2|Block|Camera\nEDGE|n1|n2|Containment|contains\n"}}]})";
-
-std::filesystem::path scratch(const std::string& name) {
-  const auto dir = std::filesystem::temp_directory_path() /
-                   ("modelyne-cloud-" + std::to_string(::getpid()) + "-" + name);
-  std::filesystem::remove_all(dir);
-  std::filesystem::create_directories(dir);
-  return dir;
-}
 
 Environment envOf(std::map<std::string, std::string> vars) {
   return [vars = std::move(vars)](std::string_view name) -> std::optional<std::string> {
@@ -78,7 +69,7 @@ ai::LogEntry text(std::string_view t) { return {{}, std::string(t), {}}; }
 // a URL that breaks the policy is dropped with its rule; a bad file is
 // reported with its path.
 TEST(CloudConfig, FileEnvironmentAndPolicy) {
-  const auto home = scratch("config");
+  const auto home = test::scratchDir("config");
   const auto data = home / "xdg" / "modelyne";
   std::filesystem::create_directories(data);
   std::ofstream(data / "cloud.json") << R"({"baseUrl": "https://ai.example.com/v1/", "model": "small",)"
@@ -143,7 +134,7 @@ TEST(AiClient, PlanThroughTheGenerateCommand) {
     res.set_content(std::string(kPlanReply), "application/json");
   });
   s.start();
-  CloudConfig cfg = configFor(s.url("/v1"), scratch("plan"));
+  CloudConfig cfg = configFor(s.url("/v1"), test::scratchDir("plan"));
   cfg.apiKey = {"sk-test", "test"};
   AiClient client(cfg, quick());
   std::vector<std::string> failures;
@@ -225,7 +216,7 @@ TEST(AiClient, FailuresFallBackWithTheirReason) {
       if (c.name == req.matches[1]) c.answer(res);
   });
   s.start();
-  const auto dir = scratch("failures");
+  const auto dir = test::scratchDir("failures");
   for (const Case& c : cases) {
     HttpOptions o = quick();
     o.timeout = 250ms;
@@ -267,7 +258,7 @@ TEST(AiClient, WaitsAndDailyLimit) {
     res.set_content(std::string(kPlanReply), "application/json");
   });
   s.start();
-  const auto dir = scratch("waits");
+  const auto dir = test::scratchDir("waits");
   SystemTime now = std::chrono::system_clock::now();
   const auto clock = [&] { return now; };
 
@@ -326,7 +317,7 @@ TEST(ContentReports, SentToTheBackend) {
     res.status = 202;
   });
   s.start();
-  CloudConfig cfg = configFor(s.url("/v1"), scratch("reports"));
+  CloudConfig cfg = configFor(s.url("/v1"), test::scratchDir("reports"));
   const ContentReport report{"A drone", "NODE|n1|Block|Weapon", "harmful"};
   ReportOutcome out = SendContentReport(cfg, quick(), report);
   EXPECT_FALSE(out.sent);

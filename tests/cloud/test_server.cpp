@@ -10,10 +10,26 @@ namespace modelyne::cloud::test {
 
 namespace {
 
+// One temporary folder per test program, removed at exit. Its name lives in
+// a plain array, which outlasts every destructor the exit handler may follow.
+char gScratchName[] = "/tmp/modelyne-cloud-test.XXXXXX";
+
+void removeScratch() {
+  std::error_code ec;
+  std::filesystem::remove_all(gScratchName, ec);
+}
+
+const std::filesystem::path& programScratch() {
+  static const std::filesystem::path root = [] {
+    if (!mkdtemp(gScratchName)) throw std::runtime_error("no temporary folder for the cloud tests");
+    std::atexit(removeScratch);
+    return std::filesystem::path(gScratchName);
+  }();
+  return root;
+}
+
 std::filesystem::path makePki() {
-  char pattern[] = "/tmp/modelyne-test-ca.XXXXXX";
-  if (!mkdtemp(pattern)) throw std::runtime_error("no temporary folder for the test CA");
-  const std::filesystem::path dir = pattern;
+  const std::filesystem::path dir = scratchDir("ca");
   std::ofstream(dir / "ext.cnf") << "subjectAltName=IP:127.0.0.1,DNS:localhost\n"
                                     "basicConstraints=CA:FALSE\n";
   const std::string ossl = OPENSSL_COMMAND;
@@ -32,6 +48,13 @@ std::filesystem::path makePki() {
 }
 
 }  // namespace
+
+std::filesystem::path scratchDir(const std::string& name) {
+  const std::filesystem::path dir = programScratch() / name;
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  return dir;
+}
 
 const TestPki& testPki() {
   static const TestPki pki = [] {

@@ -19,9 +19,13 @@ struct TestPki {
   std::filesystem::path serverKey;
 };
 
-/// Made once per test program with the openssl command; fails the test
-/// when that is not possible.
+/// Made once per test program with the openssl command, in the program's
+/// scratch folder; throws when that is not possible.
 const TestPki& testPki();
+
+/// A fresh empty folder `name` inside this program's scratch folder, which
+/// is removed when the program ends.
+std::filesystem::path scratchDir(const std::string& name);
 
 class TestServer {
  public:
