@@ -36,6 +36,7 @@ const Command& generateCommand();
 const Command& planCommand();
 const Command& promptCommand();
 const Command& evalCommand();
+const Command& simulateCommand();
 const Command& infoCommand();
 const Command& formatCommand();
 const Command& cloudCommand();

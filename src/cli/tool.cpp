@@ -92,7 +92,7 @@ std::span<const Command* const> allCommands() {
   static const std::array table = {
       &checkCommand(),    &assessCommand(), &explainCommand(), &exportCommand(),
       &generateCommand(), &planCommand(),   &promptCommand(),  &evalCommand(),
-      &infoCommand(),     &formatCommand(),   &cloudCommand(),
+      &simulateCommand(), &infoCommand(),   &formatCommand(),  &cloudCommand(),
   };
   return table;
 }
