@@ -38,7 +38,7 @@ struct Vertex {
 struct Transition {
   std::string id;
   std::uint32_t source = 0, target = 0;
-  std::string label;
+  std::string head;  ///< the label before "/": triggers and guard
   std::vector<std::string> triggers;
   GuardResult guard;
   std::string effect;
@@ -210,7 +210,6 @@ class StateMachineSimulation final : public Simulation {
 
   // "trigger, trigger [guard] / effect".
   static void readLabel(std::string_view label, Transition& t, const GuardValues& values) {
-    t.label = std::string(trimmed(label));
     std::size_t slash = std::string_view::npos;
     int depth = 0;
     for (std::size_t i = 0; i < label.size() && slash == std::string_view::npos; ++i) {
@@ -219,6 +218,7 @@ class StateMachineSimulation final : public Simulation {
       if (label[i] == '/' && depth <= 0) slash = i;
     }
     const std::string_view head = label.substr(0, slash);
+    t.head = std::string(trimmed(head));
     if (slash != std::string_view::npos) t.effect = std::string(trimmed(label.substr(slash + 1)));
     t.guard = evaluateGuard(guardOfLabel(head), values);
     std::string_view triggers = trimmed(head.substr(0, head.find('[')));
@@ -298,7 +298,7 @@ class StateMachineSimulation final : public Simulation {
     while (common != kNoVertex && !isAncestor(common, target)) common = vertices_[static_cast<std::size_t>(common)].parent;
     std::string detail;
     const auto add = [&detail](const std::string& s) { detail += (detail.empty() ? "" : "; ") + s; };
-    if (!tr.label.empty()) add(tr.label);
+    if (!tr.head.empty()) add(tr.head);
     // Every active state below the common one is left, innermost first; each
     // state around it remembers it (shallow) and the innermost (deep).
     const int leaf = active_;

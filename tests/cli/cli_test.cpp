@@ -61,7 +61,7 @@ TEST(CliBasics, VersionHelpAndUsageErrors) {
 
   r = runTool({"--help"});
   EXPECT_EQ(r.exitCode, 0);
-  for (const char* c : {"check", "assess", "explain", "export", "generate", "plan", "prompt", "eval",
+  for (const char* c : {"check", "assess", "explain", "export", "generate", "plan", "prompt", "eval", "simulate",
                         "info", "format"})
     EXPECT_NE(r.out.find(std::string("\n  ") + c + " "), std::string::npos) << c;
 
