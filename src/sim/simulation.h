@@ -11,6 +11,7 @@
 ///   sim->run();
 ///   for (const TraceEvent& e : sim->trace()) out += formatTextLine(e);
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -100,6 +101,10 @@ class Simulation {
   explicit Simulation(SimulationOptions options) : options_(std::move(options)) {}
   void emit(TraceEvent event);
   void clearTrace() { trace_.clear(); }
+  /// Room for about this many events, so a long run does not move its trace.
+  void reserveTrace(std::size_t events) {
+    if (!options_.sink) trace_.reserve(std::min<std::size_t>(events, std::size_t{1} << 20));
+  }
   void problem(std::string elementId, std::string message, bool option = false);
 
   SimulationOptions options_;

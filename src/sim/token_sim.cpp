@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint32_t kNone = UINT32_MAX;
 // Tokens can multiply in cycles (a task with two outgoing flows feeding
 // itself doubles them every round); past this many the run ends as a limit.
-constexpr std::uint64_t kTokenLimit = 1000000;
+constexpr std::uint64_t kTokenLimit = 100000;
 
 struct FlowNode {
   std::string id;
@@ -80,6 +80,8 @@ class ActivitySimulation final : public Simulation {
   void start() override {
     if (started_) return;
     started_ = true;
+    // A run fires each node about once: room for that many events.
+    reserveTrace(nodes_.size() + flows_.size() + 16);
     bool anything = false;
     for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
       const FlowNode& node = nodes_[n];
