@@ -398,7 +398,7 @@ class SequenceSimulation final : public Simulation {
     e.from = msg.from;
     e.to = msg.to;
     e.detail = msg.label;
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   const GuardResult& guard(std::uint32_t f, std::size_t operand) const {
@@ -567,7 +567,7 @@ class SequenceSimulation final : public Simulation {
         e.from = msg.from;
         e.to = msg.to;
         e.detail = detail;
-        emit(std::move(e));
+        record(std::move(e));
       } else {
         work.emplace_back(&fragments_[item.index].merged, 0);
       }
@@ -580,7 +580,7 @@ class SequenceSimulation final : public Simulation {
     e.kind = EventKind::enter;
     e.node = fragments_[static_cast<std::size_t>(f)].id;
     e.detail = detail;
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   // A fragment none of whose operands runs, with unknown guards: says why.
@@ -590,7 +590,7 @@ class SequenceSimulation final : public Simulation {
     e.kind = EventKind::skip;
     e.node = fragments_[f].id;
     e.detail = "no operand taken; " + why;
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   void finish(RunStatus status, std::string detail) {
@@ -601,7 +601,7 @@ class SequenceSimulation final : public Simulation {
     e.step = sent_;
     e.status = status;
     e.detail = std::move(detail);
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   std::vector<Participant> participants_;

@@ -26,7 +26,7 @@ RunStatus Simulation::run() {
 
 bool Simulation::choose(std::string_view, std::string_view) { return false; }
 
-void Simulation::emit(TraceEvent event) {
+void Simulation::record(TraceEvent event) {
   if (options_.sink)
     options_.sink(event);
   else

@@ -99,7 +99,7 @@ class Simulation {
 
  protected:
   explicit Simulation(SimulationOptions options) : options_(std::move(options)) {}
-  void emit(TraceEvent event);
+  void record(TraceEvent event);
   void clearTrace() { trace_.clear(); }
   /// Room for about this many events, so a long run does not move its trace.
   void reserveTrace(std::size_t events) {

@@ -99,7 +99,7 @@ class StateMachineSimulation final : public Simulation {
       e.detail = initial == kNoVertex ? "no initial pseudostate outside the states"
                                       : "the initial pseudostate has no transition";
       if (initial != kNoVertex) e.node = vertices_[static_cast<std::size_t>(initial)].id;
-      emit(std::move(e));
+      record(std::move(e));
       finish(RunStatus::stalled, {});
       return;
     }
@@ -280,7 +280,7 @@ class StateMachineSimulation final : public Simulation {
     e.kind = EventKind::skip;
     if (active_ != kNoVertex) e.node = vertices_[static_cast<std::size_t>(active_)].id;
     e.detail = "event " + event + " not accepted" + (unknown.empty() ? "" : "; " + unknown);
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   // Fires a transition: exits the states that the target is not inside (exit
@@ -319,7 +319,7 @@ class StateMachineSimulation final : public Simulation {
     e.from = vertices_[tr.source].id;
     e.to = vertices_[tr.target].id;
     e.detail = std::move(detail);
-    emit(std::move(e));
+    record(std::move(e));
     active_ = common;
     enter(target, common);
   }
@@ -347,7 +347,7 @@ class StateMachineSimulation final : public Simulation {
     e.node = vertex.id;
     if (!vertex.entry.empty()) e.detail = "entry / " + vertex.entry;
     if (!note.empty()) e.detail += (e.detail.empty() ? "" : "; ") + note;
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   int initialInside(int state) const {
@@ -431,19 +431,19 @@ class StateMachineSimulation final : public Simulation {
     }
     if (chosen < 0) {
       e.detail += std::string(e.detail.empty() ? "" : "; ") + "no transition can be taken";
-      emit(std::move(e));
+      record(std::move(e));
       TraceEvent s;
       s.step = step_;
       s.kind = EventKind::stall;
       s.node = v.id;
       s.detail = "the machine is stuck in a pseudostate";
-      emit(std::move(s));
+      record(std::move(s));
       finish(RunStatus::stalled, {});
       return;
     }
     e.chosen = transitions_[static_cast<std::size_t>(chosen)].id;
     e.out = {e.chosen};
-    emit(std::move(e));
+    record(std::move(e));
     fire(static_cast<std::uint32_t>(chosen), {});
   }
 
@@ -514,14 +514,14 @@ class StateMachineSimulation final : public Simulation {
         s.step = step_;
         s.kind = EventKind::skip;
         s.detail = "event " + options_.events[i] + " not offered: the machine has ended";
-        emit(std::move(s));
+        record(std::move(s));
       }
     TraceEvent e;
     e.kind = EventKind::end;
     e.step = step_;
     e.status = status;
     e.detail = std::move(detail);
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   std::vector<Vertex> vertices_;

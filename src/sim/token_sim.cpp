@@ -104,7 +104,7 @@ class ActivitySimulation final : public Simulation {
       TraceEvent e;
       e.kind = EventKind::stall;
       e.detail = "nothing can start: no initial node, and every action waits for an incoming flow";
-      emit(std::move(e));
+      record(std::move(e));
       finish(RunStatus::stalled);
       return;
     }
@@ -452,7 +452,7 @@ class ActivitySimulation final : public Simulation {
     if (chosen == kNone) {
       if (e.detail.empty()) e.detail = "no guard holds and there is no [else] flow";
       else e.detail += "; no flow can be taken";
-      emit(std::move(e));
+      record(std::move(e));
       blockNode(n);
       return false;
     }
@@ -460,7 +460,7 @@ class ActivitySimulation final : public Simulation {
     put(chosen);
     e.out = {flows_[chosen].id};
     e.chosen = flows_[chosen].id;
-    emit(std::move(e));
+    record(std::move(e));
     return true;
   }
 
@@ -519,7 +519,7 @@ class ActivitySimulation final : public Simulation {
       TraceEvent e = nodeEvent(EventKind::decide, n, in, {});
       appendDetail(detail, "no guard holds and there is no [else] flow; no flow can be taken");
       e.detail = detail;
-      emit(std::move(e));
+      record(std::move(e));
       blockNode(n);
       return;
     }
@@ -545,7 +545,7 @@ class ActivitySimulation final : public Simulation {
         live_ -= tokens_[f];
         tokens_[f] = 0;
       }
-    emit(std::move(e));
+    record(std::move(e));
     finish(RunStatus::completed);
   }
 
@@ -577,7 +577,7 @@ class ActivitySimulation final : public Simulation {
       }
       TraceEvent e = nodeEvent(EventKind::stall, n, in, {});
       e.detail = std::move(detail);
-      emit(std::move(e));
+      record(std::move(e));
     }
   }
 
@@ -591,7 +591,7 @@ class ActivitySimulation final : public Simulation {
       for (std::uint32_t f = 0; f < flows_.size(); ++f)
         if (tokens_[f] > 0) e.waiting.push_back(flows_[f].id);
     if (status == RunStatus::limit) e.detail = limitDetail_;
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   // ---- Events
@@ -624,7 +624,7 @@ class ActivitySimulation final : public Simulation {
                 const std::vector<std::uint32_t>& out, std::string detail) {
     TraceEvent e = nodeEvent(kind, n, in, out);
     e.detail = std::move(detail);
-    emit(std::move(e));
+    record(std::move(e));
   }
 
   std::vector<FlowNode> nodes_;
