@@ -313,8 +313,11 @@ class SequenceSimulation final : public Simulation {
   }
 
   void readChoices() {
+    const auto find = [this](const std::string& id) {
+      return std::find_if(fragments_.begin(), fragments_.end(), [&id](const Fragment& f) { return f.id == id; });
+    };
     for (const auto& [id, chosen] : options_.choices) {
-      const auto it = std::find_if(fragments_.begin(), fragments_.end(), [&](const Fragment& f) { return f.id == id; });
+      const auto it = find(id);
       if (it == fragments_.end()) {
         problem(id, "--choose names '" + id + "', which is no combined fragment of the interaction", true);
         continue;
@@ -329,8 +332,9 @@ class SequenceSimulation final : public Simulation {
           it->choices.push_back(k);
       }
     }
-    for (const auto& [id, n] : options_.loops) {
-      const auto it = std::find_if(fragments_.begin(), fragments_.end(), [&](const Fragment& f) { return f.id == id; });
+    for (const auto& entry : options_.loops) {
+      const std::string& id = entry.first;
+      const auto it = find(id);
       if (it == fragments_.end() || it->op != "loop")
         problem(id, "--loop names '" + id + "', which is no loop fragment of the interaction", true);
     }
@@ -457,7 +461,7 @@ class SequenceSimulation final : public Simulation {
       return;
     }
     if (op == "alt" || op == "opt" || op == "break") {
-      choose(f);
+      chooseOperand(f);
       return;
     }
     // Any other operator (seq, strict, critical, assert, ...) runs its
@@ -474,7 +478,7 @@ class SequenceSimulation final : public Simulation {
   // alt enters the chosen operand or the first whose guard holds (no guard
   // holds too), else the "else" operand; opt and break run their one operand
   // when its guard holds. A guard that cannot be evaluated counts as false.
-  void choose(std::uint32_t f) {
+  void chooseOperand(std::uint32_t f) {
     const Fragment& frag = fragments_[f];
     const bool alt = frag.op == "alt";
     const std::size_t candidates = alt ? frag.operands.size() : 1;

@@ -15,6 +15,9 @@ namespace modelyne::core::sim {
 namespace {
 
 constexpr int kNoVertex = -1;
+// Transitions that lead on at once (through pseudostates, initial
+// substates and history) nest; a chain longer than this is a cycle.
+constexpr int kMaxChain = 200;
 
 std::string_view trimmed(std::string_view s) {
   constexpr std::string_view kBlanks = " \t\r\n";
@@ -290,6 +293,16 @@ class StateMachineSimulation final : public Simulation {
       finish(RunStatus::limit, "transition limit reached (a cycle of transitions without events)");
       return;
     }
+    if (chain_ >= kMaxChain) {
+      finish(RunStatus::limit, "more than " + std::to_string(kMaxChain) +
+                                   " transitions in a row without reaching a state (a cycle of pseudostates)");
+      return;
+    }
+    struct Nesting {
+      int& depth;
+      explicit Nesting(int& d) : depth(d) { ++depth; }
+      ~Nesting() { --depth; }
+    } nesting(chain_);
     const Transition& tr = transitions_[t];
     lastTransition_ = static_cast<int>(t);
     const int target = static_cast<int>(tr.target);
@@ -534,6 +547,7 @@ class StateMachineSimulation final : public Simulation {
   std::vector<std::uint32_t> visits_;
   std::uint64_t step_ = 0;
   std::uint64_t fired_ = 0;
+  int chain_ = 0;  // transitions nested in the one being fired
   bool started_ = false;
   RunStatus status_ = RunStatus::running;
 };

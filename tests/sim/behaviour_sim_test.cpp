@@ -265,5 +265,21 @@ TEST(StateMachineSimulation, ActiveStates) {
             "2\tend\tcompleted\t-\t-\t-\n");
 }
 
+// Fuzz finding: choice pseudostates leading to each other recursed until
+// the stack ran out. The chain now ends as a limit.
+TEST(StateMachineSimulation, CycleOfPseudostatesEndsAsLimit) {
+  Diagram d;
+  d.node("init", S::umlInitialNode, 0, 0, 20, 20, "")
+      .node("c1", S::sysmlChoicePseudostate, 100, 0, 20, 20, "")
+      .node("c2", S::sysmlChoicePseudostate, 200, 0, 20, 20, "");
+  d.edge("t0", "init", "c1", E::sysmlTransition)
+      .edge("t1", "c1", "c2", E::sysmlTransition)
+      .edge("t2", "c2", "c1", E::sysmlTransition);
+  auto sim = makeSimulation(SimulationKind::stateMachine, d.nodes, d.edges, {});
+  EXPECT_EQ(sim->run(), RunStatus::limit);
+  EXPECT_EQ(sim->trace().back().detail,
+            "more than 200 transitions in a row without reaching a state (a cycle of pseudostates)");
+}
+
 }  // namespace
 }  // namespace modelyne::core::sim
