@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cctype>
 #include <cmath>
 #include <filesystem>
 #include <stdexcept>
@@ -12,6 +11,7 @@
 #include "cli/commands.h"
 #include "cli/model_input.h"
 #include "cli/output.h"
+#include "cli/var_option.h"
 #include "sim/compiled_expression.h"
 #include "io/xml_escape.h"
 #include "sim/expression.h"
@@ -68,27 +68,9 @@ unsigned nodeLine(const LoadedModel& model, const std::string& id) {
   return 1 + lines(std::string_view(model.file.text).substr(0, base)) + lines(std::string_view(xml).substr(0, at));
 }
 
-bool isName(std::string_view s) {
-  if (s.empty() || std::isdigit(static_cast<unsigned char>(s[0]))) return false;
-  for (const char c : s)
-    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') return false;
-  return true;
-}
-
 par::VariableTable variablesFrom(const Args& args) {
   par::VariableTable table;
-  for (const std::string& spec : args.values("--var")) {
-    const auto eq = spec.find('=');
-    const std::string name = spec.substr(0, eq);
-    if (eq == std::string::npos || !isName(name))
-      throw CliError("invalid --var '" + spec + "' (expected NAME=VALUE with a name of letters, digits and _)");
-    const std::string text = spec.substr(eq + 1);
-    double value = 0.0;
-    const auto r = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (text.empty() || r.ec != std::errc() || r.ptr != text.data() + text.size())
-      throw CliError("invalid --var '" + spec + "' (VALUE must be a number)");
-    table[name] = value;
-  }
+  for (auto& [name, value] : varOptions(args)) table[name] = value;
   return table;
 }
 

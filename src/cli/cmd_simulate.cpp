@@ -2,13 +2,13 @@
 // and prints its trace.
 #include <array>
 #include <charconv>
-#include <cctype>
 #include <string>
 #include <system_error>
 
 #include "cli/commands.h"
 #include "cli/model_input.h"
 #include "cli/output.h"
+#include "cli/var_option.h"
 #include "sim/behaviour_roles.h"
 #include "sim/simulation.h"
 
@@ -59,13 +59,6 @@ std::pair<std::string, std::string> split(const std::string& spec, std::string_v
   return {spec.substr(0, eq), spec.substr(eq + 1)};
 }
 
-bool isName(std::string_view s) {
-  if (s.empty() || std::isdigit(static_cast<unsigned char>(s[0]))) return false;
-  for (const char c : s)
-    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') return false;
-  return true;
-}
-
 template <typename T>
 bool parseWhole(std::string_view text, T& value) {
   const auto r = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -78,14 +71,7 @@ sim::SimulationOptions optionsFrom(const Args& args) {
     auto [node, edge] = split(spec, "--choose", "NODE=EDGE");
     o.choices[node].push_back(edge);
   }
-  for (const std::string& spec : args.values("--var")) {
-    const auto [name, text] = split(spec, "--var", "NAME=VALUE");
-    double value = 0.0;
-    if (!isName(name))
-      throw CliError("invalid --var '" + spec + "' (expected NAME=VALUE with a name of letters, digits and _)");
-    if (!parseWhole(text, value)) throw CliError("invalid --var '" + spec + "' (VALUE must be a number)");
-    o.values[name] = value;
-  }
+  for (auto& [name, value] : varOptions(args)) o.values[name] = value;
   for (const std::string& spec : args.values("--loop")) {
     const auto [id, text] = split(spec, "--loop", "ID=N");
     std::uint64_t n = 0;
