@@ -91,6 +91,17 @@ TEST(Trace, TextAndJsonForms) {
   EXPECT_EQ(formatTextLine(t), "2\ttransition\tt1\ta\tb\t-\n");
   EXPECT_EQ(formatJsonLine(t), "{\"step\": 2, \"event\": \"transition\", \"edge\": \"t1\", \"from\": \"a\", \"to\": \"b\"}\n");
 
+  // Labels are user text: bytes that are not UTF-8 become U+FFFD in JSON.
+  TraceEvent m;
+  m.step = 1;
+  m.kind = EventKind::message;
+  m.edge = "m1";
+  m.from = "a";
+  m.to = "b";
+  m.detail = "caf\xC3\xA9 \xFF\x01";
+  EXPECT_EQ(formatJsonLine(m), "{\"step\": 1, \"event\": \"message\", \"edge\": \"m1\", \"from\": \"a\", \"to\": \"b\", "
+                               "\"detail\": \"caf\xC3\xA9 \xEF\xBF\xBD\\u0001\"}\n");
+
   TraceEvent end;
   end.kind = EventKind::end;
   end.step = 7;
