@@ -324,10 +324,9 @@ LayoutResult run(const core::Document& doc, const LayoutOptions& options, bool l
     core::NodeGeometry& g = result.placements[static_cast<std::size_t>(scene.nodes[i].node)].geom;
     g.x = static_cast<float>(r.x);
     g.y = static_cast<float>(r.y);
-    if (r.resized || !std::isfinite(g.w) || !std::isfinite(g.h)) {
-      g.w = static_cast<float>(r.w);
-      g.h = static_cast<float>(r.h);
-    }
+    // Sizes stay, unless a container grew or a size was not a number at all.
+    if (r.resized || !std::isfinite(g.w)) g.w = static_cast<float>(r.w);
+    if (r.resized || !std::isfinite(g.h)) g.h = static_cast<float>(r.h);
   }
   return result;
 }

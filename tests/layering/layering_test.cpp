@@ -27,6 +27,7 @@ struct Layer {
 const std::map<std::string, Layer>& layers() {
   static const std::map<std::string, Layer> table = {
       {"core", {{"core"}}},
+      {"layout", {{"core", "layout"}}},
       {"io", {{"core", "io"}}},
       {"bridge", {{"core", "io", "bridge"}}},
       {"check", {{"core", "check"}}},
