@@ -108,6 +108,10 @@ std::size_t reorderNodes(DocumentHandle, std::span<const std::string> nodeIds, Z
 /// Moves every named node by (dx, dy); returns how many moved.
 std::size_t moveNodes(DocumentHandle, std::span<const std::string> nodeIds, float dx, float dy);
 
+/// The two whole-document automatic layouts (layered: hierarchies and flows;
+/// organic: networks and mind maps).
+enum class LayoutAlgorithm { layered, organic };
+
 /// Result of inserting a set of elements: the ids they received, in order.
 struct InsertResult {
   std::vector<std::string> nodeIds;
@@ -117,7 +121,11 @@ struct InsertResult {
 /// is empty or taken gets a fresh one (base + "_" + n); edges that name an
 /// inserted node by its requested id follow it to its new id. Edge ends must
 /// name an inserted or existing node, else code 4 "Endpoint node not found".
-InsertResult insertElements(DocumentHandle, std::vector<core::Node> nodes, std::vector<core::Edge> edges);
+/// With `layoutAdded`, the inserted nodes are first laid out among themselves
+/// and placed below the existing content, which does not move; still one
+/// undo step.
+InsertResult insertElements(DocumentHandle, std::vector<core::Node> nodes, std::vector<core::Edge> edges,
+                            std::optional<LayoutAlgorithm> layoutAdded = {});
 
 /// One property change of a batch.
 struct PropertyChange {
@@ -129,6 +137,20 @@ struct PropertyChange {
 /// exists, key in the schema, value valid) before anything changes.
 /// Returns how many were applied.
 std::size_t setNodeProperties(DocumentHandle, std::span<const PropertyChange> changes);
+
+// ---- automatic layout: one undo step each ----
+/// What a whole-document layout did.
+struct LayoutOutcome {
+  bool laidOut = false;    ///< false: the document was left untouched, `reason` says why
+  std::string reason;
+  std::size_t changed = 0; ///< nodes whose rectangle changed; 0 pushes nothing
+};
+/// Computes new rectangles for every node and applies the changed ones as
+/// one CompositeCommand of ResizeNodeCommands (nothing is pushed when no
+/// rectangle changes); edges keep their anchors.
+LayoutOutcome layoutLayered(DocumentHandle);
+LayoutOutcome layoutOrganic(DocumentHandle);
+LayoutOutcome layoutDocument(DocumentHandle, LayoutAlgorithm algorithm);
 
 // ---- history ----
 void undo(DocumentHandle);

@@ -47,7 +47,8 @@ std::size_t moveNodes(DocumentHandle h, std::span<const std::string> nodeIds, fl
   return count;
 }
 
-InsertResult insertElements(DocumentHandle h, std::vector<core::Node> nodes, std::vector<core::Edge> edges) {
+InsertResult insertElements(DocumentHandle h, std::vector<core::Node> nodes, std::vector<core::Edge> edges,
+                            std::optional<LayoutAlgorithm> layoutAdded) {
   core::Document& doc = documentOf(h);
   InsertResult result;
   if (nodes.empty() && edges.empty()) return result;
@@ -85,6 +86,7 @@ InsertResult insertElements(DocumentHandle h, std::vector<core::Node> nodes, std
     newEdgeIds.insert(e.id);
     result.edgeIds.push_back(e.id);
   }
+  if (layoutAdded) detail::layoutInserted(doc, nodes, edges, *layoutAdded);
   doc.history().pushAndExecute(std::make_unique<core::InsertElementsCommand>(std::move(nodes), std::move(edges)), doc);
   return result;
 }

@@ -26,4 +26,9 @@ std::string_view nodeIdBase(core::ShapeType type) noexcept;
 /// The existing nodes named by `ids`, in the order given, each once.
 std::vector<const core::Node*> resolveSelection(const core::Document& doc, std::span<const std::string> ids);
 
+/// Lays out nodes about to be inserted (their ids final) among themselves,
+/// below the document's content; `edges` are the edges inserted with them.
+void layoutInserted(const core::Document& doc, std::vector<core::Node>& nodes, const std::vector<core::Edge>& edges,
+                    LayoutAlgorithm algorithm);
+
 }  // namespace modelyne::bridge::detail

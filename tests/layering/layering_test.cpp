@@ -29,7 +29,7 @@ const std::map<std::string, Layer>& layers() {
       {"core", {{"core"}}},
       {"layout", {{"core", "layout"}}},
       {"io", {{"core", "io"}}},
-      {"bridge", {{"core", "io", "bridge"}}},
+      {"bridge", {{"core", "io", "layout", "bridge"}}},
       {"check", {{"core", "check"}}},
       {"export", {{"core", "export"}}},
       {"explain", {{"core", "explain"}}},
