@@ -385,7 +385,7 @@ void run(const GenerateRequest& req, GenerateResult& res) {
   }
 
   // Step 8: apply as one undo step and fit the view.
-  const bridge::InsertResult inserted = ApplyPlan(&doc, kind, plan);
+  const bridge::InsertResult inserted = ApplyPlan(&doc, kind, plan, req.layout);
   if (inserted.nodeIds.empty() && inserted.edgeIds.empty()) return logText(res, kRefineNoElements);
   res.applied = true;
   res.nodeIds = inserted.nodeIds;
@@ -400,6 +400,19 @@ void run(const GenerateRequest& req, GenerateResult& res) {
     fit.maxX = first ? n.x + w : std::max(fit.maxX, n.x + w);
     fit.maxY = first ? n.y + h : std::max(fit.maxY, n.y + h);
     first = false;
+  }
+  if (req.layout) {
+    // The layout moved the new nodes: fit to where they are now.
+    first = true;
+    for (const std::string& id : inserted.nodeIds) {
+      const core::Node* n = doc.findNode(id);
+      if (!n) continue;
+      fit.minX = first ? n->geom.x : std::min(fit.minX, n->geom.x);
+      fit.minY = first ? n->geom.y : std::min(fit.minY, n->geom.y);
+      fit.maxX = first ? n->geom.x + n->geom.w : std::max(fit.maxX, n->geom.x + n->geom.w);
+      fit.maxY = first ? n->geom.y + n->geom.h : std::max(fit.maxY, n->geom.y + n->geom.h);
+      first = false;
+    }
   }
   if (!first) {
     fit.centerX = (fit.minX + fit.maxX) * 0.5f;

@@ -13,6 +13,7 @@
 
 #include "ai/cloud_plan.h"
 #include "ai/plan.h"
+#include "bridge/bridge.h"
 #include "core/diagram_kind.h"
 #include "core/document.h"
 
@@ -56,6 +57,9 @@ struct GenerateRequest {
   QuotaState quota;
   CloudCall cloud;                          ///< empty: the cloud AI is not configured
   float zoom = 1.0f;                        ///< the view's current zoom
+  /// When set, the added nodes are laid out among themselves (below the
+  /// existing content, which does not move) in the same undo step.
+  std::optional<bridge::LayoutAlgorithm> layout;
 };
 
 /// Where the view goes after a plan was applied: centre the box of the new

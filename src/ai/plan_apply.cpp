@@ -263,11 +263,12 @@ PlanElements BuildPlanElements(const core::Document& doc, DiagramKind diagram, c
   return out;
 }
 
-bridge::InsertResult ApplyPlan(bridge::DocumentHandle doc, DiagramKind diagram, const DiagramPlan& plan) {
+bridge::InsertResult ApplyPlan(bridge::DocumentHandle doc, DiagramKind diagram, const DiagramPlan& plan,
+                               std::optional<bridge::LayoutAlgorithm> layout) {
   if (!doc) throw bridge::BridgeError(bridge::kInvalidArgument, "Document handle is null");
   PlanElements elements = BuildPlanElements(*doc, diagram, plan);
   if (elements.nodes.empty() && elements.edges.empty()) return {};
-  return bridge::insertElements(doc, std::move(elements.nodes), std::move(elements.edges));
+  return bridge::insertElements(doc, std::move(elements.nodes), std::move(elements.edges), layout);
 }
 
 DocumentPlan PlanFromDocument(const core::Document& doc) {

@@ -5,6 +5,7 @@
 /// as one undo step. Also the reverse: the current document as a plan, for
 /// the refine prompt.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,11 +46,12 @@ struct PlanElements {
 PlanElements BuildPlanElements(const core::Document& doc, core::DiagramKind diagram,
                                const DiagramPlan& plan);
 
-/// Inserts the plan into the document in plan order as one undo step.
+/// Inserts the plan into the document in plan order as one undo step,
+/// with `layout` laid out first among themselves below the existing content.
 /// Returns the ids the nodes and edges received. Throws BridgeError as the
 /// bridge does (a null handle).
 bridge::InsertResult ApplyPlan(bridge::DocumentHandle doc, core::DiagramKind diagram,
-                               const DiagramPlan& plan);
+                               const DiagramPlan& plan, std::optional<bridge::LayoutAlgorithm> layout = {});
 
 /// The current document as a plan for the refine prompt: nodes get ids "n1",
 /// "n2", ... in document order, their text as label (the id when empty) and

@@ -20,11 +20,12 @@ namespace modelyne::cli {
 namespace {
 
 constexpr std::array kOptions{kKindOption, OptionSpec{"--plan", "", ""},
-                              OptionSpec{"--output", "-o", "OUT"}, OptionSpec{"--backend", "", "NAME"}};
+                              OptionSpec{"--output", "-o", "OUT"}, OptionSpec{"--backend", "", "NAME"},
+                              OptionSpec{"--layout", "", "NAME"}};
 
 constexpr std::string_view kHelp =
     "usage: modelyne generate [TEXT...|-] [--kind KEY] [--plan] [-o OUT]\n"
-    "                         [--backend offline|cloud]\n"
+    "                         [--backend offline|cloud] [--layout layered|organic]\n"
     "\n"
     "Turns a plain-language description (the words given, or standard input)\n"
     "into a new model file whose diagram, of kind KEY (default bdd), holds the\n"
@@ -32,7 +33,8 @@ constexpr std::string_view kHelp =
     "backend (default) uses the built-in interpreter; the cloud backend falls\n"
     "back to it when no cloud AI is configured or reachable (see 'modelyne\n"
     "cloud test'). The flow's log lines and the plan's notes go to standard\n"
-    "error.\n"
+    "error. With --layout the generated elements are laid out automatically\n"
+    "instead of keeping the plan's grid.\n"
     "\n"
     "exit status: 0 done; 1 no entity found; 2 error.\n"
     "\n"
@@ -100,6 +102,12 @@ int run(const Args& args) {
     throw CliError("unknown backend '" + backend + "' (backends: offline, cloud)");
   const std::string prompt = textArgument(args.positionals);
   if (isBlank(prompt)) throw CliError("the description is empty");
+  std::optional<bridge::LayoutAlgorithm> layout;
+  if (const auto name = args.value("--layout")) {
+    if (*name == "layered") layout = bridge::LayoutAlgorithm::layered;
+    else if (*name == "organic") layout = bridge::LayoutAlgorithm::organic;
+    else throw CliError("unknown layout algorithm '" + *name + "' (algorithms: layered, organic)");
+  }
 
   if (args.has("--plan")) return generatePlan(prompt, backend, args.value("--output"));
 
@@ -114,6 +122,7 @@ int run(const Args& args) {
   if (backend == "cloud") setup = openCloud();
   request.cloud = setup.call;
   request.quota = setup.quota;
+  request.layout = layout;
   const ai::GenerateResult result = ai::RunAiGenerate(request);
   for (const ai::LogEntry& entry : result.log) {
     // The reason comes just before the flow says it falls back.

@@ -40,5 +40,6 @@ const Command& simulateCommand();
 const Command& infoCommand();
 const Command& formatCommand();
 const Command& cloudCommand();
+const Command& layoutCommand();
 
 }  // namespace modelyne::cli

@@ -92,7 +92,8 @@ std::span<const Command* const> allCommands() {
   static const std::array table = {
       &checkCommand(),    &assessCommand(), &explainCommand(), &exportCommand(),
       &generateCommand(), &planCommand(),   &promptCommand(),  &evalCommand(),
-      &simulateCommand(), &infoCommand(),   &formatCommand(),  &cloudCommand(),
+      &simulateCommand(), &infoCommand(),   &formatCommand(),  &layoutCommand(),
+      &cloudCommand(),
   };
   return table;
 }

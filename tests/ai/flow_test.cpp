@@ -215,6 +215,30 @@ TEST(AiRefine, OfflineAddsNewElementsToTheCurrentModel) {
   EXPECT_EQ(doc.history().undoCount(), before);
 }
 
+// With the layout option the added nodes are laid out below the existing
+// content, which stays; one undo takes the whole addition back.
+TEST(AiRefine, LayoutOptionLaysOutOnlyWhatWasAdded) {
+  core::Document doc;
+  seedVehicle(doc);
+  std::vector<core::NodeGeometry> before;
+  for (const core::Node& n : doc.nodes()) before.push_back(n.geom);
+  const std::size_t steps = doc.history().undoCount();
+  GenerateRequest r = request(&doc, "Also include the radiator, the pump and the fan. The pump contains the fan.");
+  r.layout = bridge::LayoutAlgorithm::layered;
+  const GenerateResult res = RunAiGenerate(r);
+  ASSERT_TRUE(res.applied);
+  ASSERT_EQ(doc.nodes().size(), before.size() + res.nodeIds.size());
+  for (std::size_t i = 0; i < before.size(); ++i) EXPECT_EQ(doc.nodes()[i].geom, before[i]) << i;
+  float bottom = 0.0f;
+  for (const core::NodeGeometry& g : before) bottom = std::max(bottom, g.y + g.h);
+  for (const std::string& id : res.nodeIds) EXPECT_GT(doc.findNode(id)->geom.y, bottom) << id;
+  ASSERT_TRUE(res.view);
+  EXPECT_GT(res.view->minY, bottom);
+  EXPECT_EQ(doc.history().undoCount(), steps + 1);
+  bridge::undo(&doc);
+  EXPECT_EQ(doc.nodes().size(), before.size());
+}
+
 TEST(AiRefine, ContinuationAddsAnchoredDetail) {
   core::Document doc;
   seedVehicle(doc);

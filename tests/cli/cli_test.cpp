@@ -62,7 +62,7 @@ TEST(CliBasics, VersionHelpAndUsageErrors) {
   r = runTool({"--help"});
   EXPECT_EQ(r.exitCode, 0);
   for (const char* c : {"check", "assess", "explain", "export", "generate", "plan", "prompt", "eval", "simulate",
-                        "info", "format"})
+                        "info", "format", "layout", "cloud"})
     EXPECT_NE(r.out.find(std::string("\n  ") + c + " "), std::string::npos) << c;
 
   r = runTool({"check", "--help"});
@@ -444,6 +444,43 @@ TEST(CliGenerate, ModelOrPlanFromADescription) {
   EXPECT_EQ(runTool({"generate", "the and of"}).exitCode, 1);
   EXPECT_EQ(runTool({"generate", "  "}).exitCode, 2);
   EXPECT_EQ(runTool({"generate", text, "--backend", "psychic"}).exitCode, 2);
+}
+
+// Layout writes the model back laid out; laying out its output changes
+// nothing; generate --layout gives the bytes layout gives.
+TEST(CliLayout, LaysOutAndWritesTheModelBack) {
+  const fs::path dir = scratchDir("layout");
+  fs::copy_file(kSamples / "bdd-vehicle.xml", dir / "m.xml");
+  const std::string before = readText(dir / "m.xml");
+  for (const char* algorithm : {"layered", "organic"}) {
+    SCOPED_TRACE(algorithm);
+    const ToolRun once = runTool({"layout", "m.xml", "--algorithm", algorithm, "-o", "out.xml"}, {}, dir);
+    ASSERT_EQ(once.exitCode, 0) << once.err;
+    EXPECT_EQ(once.out, "");
+    const std::string laidOut = readText(dir / "out.xml");
+    EXPECT_NE(laidOut, before);
+    EXPECT_EQ(runTool({"format", "-"}, laidOut).out, laidOut);  // a valid model in canonical form
+    EXPECT_EQ(runTool({"layout", "-", "--algorithm", algorithm}, laidOut).out, laidOut);
+  }
+  EXPECT_EQ(runTool({"layout", "m.xml"}, {}, dir).out, runTool({"layout", "m.xml", "--algorithm", "layered"}, {}, dir).out);
+
+  const ToolRun empty = runTool({"layout", "-"}, "<diagram formatVersion=\"1.0\" xmlns=\"modelyne:diagram\">\n</diagram>\n");
+  EXPECT_EQ(empty.exitCode, 1);
+  EXPECT_EQ(empty.err, "<stdin>: left as it was: the document has no nodes\n");
+  EXPECT_NE(empty.out.find("<diagram "), std::string::npos);
+
+  const ToolRun wrong = runTool({"layout", "m.xml", "--algorithm", "spring"}, {}, dir);
+  EXPECT_EQ(wrong.exitCode, 2);
+  EXPECT_EQ(wrong.err, "modelyne: error: unknown layout algorithm 'spring' (algorithms: layered, organic)\n");
+
+  const std::string text = "The drone contains a battery and a motor. The motor contains a rotor.";
+  for (const char* algorithm : {"layered", "organic"}) {
+    const ToolRun generated = runTool({"generate", text, "--layout", algorithm});
+    ASSERT_EQ(generated.exitCode, 0) << generated.err;
+    EXPECT_NE(generated.out, runTool({"generate", text}).out);
+    EXPECT_EQ(runTool({"layout", "-", "--algorithm", algorithm}, generated.out).out, generated.out) << algorithm;
+  }
+  EXPECT_EQ(runTool({"generate", text, "--layout", "grid"}).exitCode, 2);
 }
 
 TEST(CliPrompt, GenerateAndRefinePrompts) {
