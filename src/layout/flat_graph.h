@@ -3,6 +3,7 @@
 /// caller gives) and the edges between them with their anchor directions.
 /// Containers are already laid out and appear as one box; ports as their host.
 
+#include <utility>
 #include <vector>
 
 #include "layout/roles.h"
@@ -53,5 +54,9 @@ std::vector<Point> placeGraph(const FlatGraph& g, bool layered, MainAxis axis);
 /// Moves boxes (given by centres) apart until no two overlap with `gap`
 /// between them; keeps their relative arrangement where it can.
 void removeOverlaps(const std::vector<Box>& boxes, std::vector<Point>& centres, double gap);
+
+/// The pairs of boxes (by centres) closer than `gap`, each once, in index order.
+std::vector<std::pair<int, int>> overlappingPairs(const std::vector<Box>& boxes, const std::vector<Point>& centres,
+                                                  double gap);
 
 }  // namespace modelyne::layout

@@ -1,8 +1,8 @@
 // Layered (Sugiyama) placement of one connected graph: orient the edges,
-// break cycles (Eades' greedy order), assign layers (longest path, then
-// sources pulled down towards their successors), order each layer by
-// barycentre sweeps, and place boxes across the axis by repeated weighted
-// averaging with order-preserving least squares.
+// break cycles (depth-first in the given order), assign layers (longest
+// path, then sources pulled down towards their successors), order each
+// layer by barycentre sweeps and neighbour swaps, and place boxes across
+// the axis by repeated weighted averaging with order-preserving least squares.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -55,75 +55,41 @@ std::vector<Arc> orient(const FlatGraph& g, MainAxis axis) {
   return arcs;
 }
 
-// ---- Cycle breaking: Eades, Lin and Smyth's greedy vertex order ----
+// ---- Cycle breaking ----
 
-std::vector<int> greedyOrder(int n, const std::vector<Arc>& arcs) {
-  std::vector<std::vector<int>> out(n), in(n);
-  for (const Arc& a : arcs) {
-    out[a.tail].push_back(a.head);
-    in[a.head].push_back(a.tail);
-  }
-  std::vector<int> indeg(n), outdeg(n);
-  for (int v = 0; v < n; ++v) {
-    indeg[v] = static_cast<int>(in[v].size());
-    outdeg[v] = static_cast<int>(out[v].size());
-  }
-  std::vector<char> done(n, 0);
-  // Remaining vertices by (in - out, index): the first has the largest out - in.
-  std::set<std::pair<int, int>> byDelta;
-  for (int v = 0; v < n; ++v) byDelta.insert({indeg[v] - outdeg[v], v});
-  std::set<int> sinks, sources;
-  for (int v = 0; v < n; ++v) {
-    if (outdeg[v] == 0) sinks.insert(v);
-    else if (indeg[v] == 0) sources.insert(v);
-  }
-  std::vector<int> left, right;
-  auto remove = [&](int v) {
-    done[v] = 1;
-    byDelta.erase({indeg[v] - outdeg[v], v});
-    sinks.erase(v);
-    sources.erase(v);
-    for (int w : out[v]) {
-      if (done[w]) continue;
-      byDelta.erase({indeg[w] - outdeg[w], w});
-      --indeg[w];
-      byDelta.insert({indeg[w] - outdeg[w], w});
-      if (indeg[w] == 0 && outdeg[w] != 0) sources.insert(w);
-    }
-    for (int w : in[v]) {
-      if (done[w]) continue;
-      byDelta.erase({indeg[w] - outdeg[w], w});
-      --outdeg[w];
-      byDelta.insert({indeg[w] - outdeg[w], w});
-      if (outdeg[w] == 0) {
-        sources.erase(w);
-        sinks.insert(w);
+// Depth-first order: reversed finishing order; back edges are the ones to turn.
+std::vector<int> depthFirstOrder(int n, const std::vector<Arc>& arcs) {
+  std::vector<std::vector<int>> out(static_cast<std::size_t>(n));
+  for (const Arc& a : arcs) out[static_cast<std::size_t>(a.tail)].push_back(a.head);
+  std::vector<char> state(static_cast<std::size_t>(n), 0);
+  std::vector<int> finished;
+  std::vector<std::pair<int, std::size_t>> stack;
+  for (int s = 0; s < n; ++s) {
+    if (state[static_cast<std::size_t>(s)]) continue;
+    stack.push_back({s, 0});
+    state[static_cast<std::size_t>(s)] = 1;
+    while (!stack.empty()) {
+      auto& [v, next] = stack.back();
+      const auto& list = out[static_cast<std::size_t>(v)];
+      if (next < list.size()) {
+        const int w = list[next++];
+        if (!state[static_cast<std::size_t>(w)]) {
+          state[static_cast<std::size_t>(w)] = 1;
+          stack.push_back({w, 0});
+        }
+      } else {
+        finished.push_back(v);
+        stack.pop_back();
       }
     }
-  };
-  while (!byDelta.empty()) {
-    if (!sinks.empty()) {
-      const int v = *sinks.begin();
-      right.push_back(v);
-      remove(v);
-    } else if (!sources.empty()) {
-      const int v = *sources.begin();
-      left.push_back(v);
-      remove(v);
-    } else {
-      const int v = byDelta.begin()->second;
-      left.push_back(v);
-      remove(v);
-    }
   }
-  left.insert(left.end(), right.rbegin(), right.rend());
-  return left;
+  return {finished.rbegin(), finished.rend()};
 }
 
 // ---- Layering ----
 
 std::vector<int> assignLayers(int n, std::vector<Arc>& arcs) {
-  const std::vector<int> order = greedyOrder(n, arcs);
+  const std::vector<int> order = depthFirstOrder(n, arcs);
   std::vector<int> rank(n);
   for (int i = 0; i < n; ++i) rank[order[i]] = i;
   for (Arc& a : arcs) {
@@ -259,6 +225,54 @@ std::int64_t totalCrossings(const Layered& L, const std::vector<int>& pos) {
   return total;
 }
 
+// Crossings between the links of u and those of w (u placed before w) to one
+// neighbouring layer: pairs whose other ends are in the opposite order.
+std::int64_t pairCrossings(const Layered& L, const std::vector<int>& pos, const std::vector<int>& lu,
+                           const std::vector<int>& lw, bool upward, std::vector<int>& a, std::vector<int>& b) {
+  auto ends = [&](const std::vector<int>& links, std::vector<int>& out) {
+    out.clear();
+    for (int k : links) {
+      const Link& lk = L.links[static_cast<std::size_t>(k)];
+      out.push_back(pos[static_cast<std::size_t>(upward ? lk.upper : lk.lower)]);
+    }
+    std::sort(out.begin(), out.end());
+  };
+  ends(lu, a);
+  ends(lw, b);
+  std::int64_t count = 0;
+  std::size_t j = 0;
+  for (int x : a) {
+    while (j < b.size() && b[j] < x) ++j;
+    count += static_cast<std::int64_t>(j);
+  }
+  return count;
+}
+
+// Swaps neighbours in a layer while that removes crossings (a few rounds).
+void transpose(Layered& L, std::vector<int>& pos) {
+  std::vector<int> a, b;
+  const int rounds = L.layer.size() < 30000 ? 8 : 2;
+  for (int round = 0; round < rounds; ++round) {
+    bool improved = false;
+    for (auto& row : L.rows) {
+      for (std::size_t i = 0; i + 1 < row.size(); ++i) {
+        const auto u = static_cast<std::size_t>(row[i]), w = static_cast<std::size_t>(row[i + 1]);
+        const std::int64_t now = pairCrossings(L, pos, L.up[u], L.up[w], true, a, b) +
+                                 pairCrossings(L, pos, L.down[u], L.down[w], false, a, b);
+        const std::int64_t swapped = pairCrossings(L, pos, L.up[w], L.up[u], true, a, b) +
+                                     pairCrossings(L, pos, L.down[w], L.down[u], false, a, b);
+        if (swapped < now) {
+          std::swap(row[i], row[i + 1]);
+          pos[u] = static_cast<int>(i + 1);
+          pos[w] = static_cast<int>(i);
+          improved = true;
+        }
+      }
+    }
+    if (!improved) break;
+  }
+}
+
 // Share of a side pull, in positions, that sorting a layer gives a link.
 constexpr double kSideBias = 0.3;
 
@@ -333,6 +347,9 @@ void orderLayers(Layered& L, const std::vector<double>& size) {
     }
   }
   L.rows = std::move(best);
+  for (const auto& row : L.rows)
+    for (std::size_t i = 0; i < row.size(); ++i) pos[static_cast<std::size_t>(row[i])] = static_cast<int>(i);
+  transpose(L, pos);
 }
 
 // ---- Coordinates across the axis ----

@@ -17,6 +17,7 @@ namespace {
 // Graphs up to this size get the full stress model (all pairs).
 constexpr int kFullStressLimit = 400;
 constexpr int kPivots = 40;
+constexpr int kStressOverlapLimit = 2000;
 // Space left between boxes of an organic drawing.
 constexpr double kOrganicGap = 30.0;
 
@@ -169,8 +170,7 @@ struct Term {
 
 // Weight of an edge's anchor direction against its plain length.
 constexpr double kDirectionWeight = 1.5;
-// The nodes should fill about this share of the drawing before overlaps are removed.
-constexpr double kTargetDensity = 0.45;
+
 
 void majorize(std::vector<Point>& pos, const std::vector<std::vector<Term>>& terms, int rounds) {
   const std::size_t n = pos.size();
@@ -222,23 +222,37 @@ void addDirections(const FlatGraph& g, double unit, std::vector<std::vector<Term
   }
 }
 
-// Spreads a drawing that is too dense for its boxes from its centre, so
-// overlap removal has only local work left.
-void spreadToDensity(const std::vector<Box>& boxes, std::vector<Point>& c) {
-  double area = 0.0;
-  double minX = std::numeric_limits<double>::max(), minY = minX, maxX = -minX, maxY = -minX;
-  for (std::size_t i = 0; i < c.size(); ++i) {
-    if (!std::isfinite(c[i].x) || !std::isfinite(c[i].y)) c[i] = {static_cast<double>(i), 0.0};
-    area += boxes[i].w * boxes[i].h;
-    minX = std::min(minX, c[i].x), maxX = std::max(maxX, c[i].x);
-    minY = std::min(minY, c[i].y), maxY = std::max(maxY, c[i].y);
-  }
-  const double box = std::max((maxX - minX) * (maxY - minY), 1.0);
-  const double factor = std::sqrt(area / kTargetDensity / box);
-  if (factor <= 1.0) return;
-  for (Point& p : c) {
-    p.x = minX + (p.x - minX) * factor;
-    p.y = minY + (p.y - minY) * factor;
+// Overlaps taken apart by stress (as PRISM does): each overlapping pair
+// wants its distance stretched just enough to part, each edge keeps its
+// current length, a few majorization rounds at a time, until none overlaps.
+void spreadOverlaps(const FlatGraph& g, const Adjacency& adj, std::vector<Point>& c) {
+  const std::size_t n = c.size();
+  constexpr int rounds = 40;
+  constexpr double kMaxStretch = 2.0;
+  std::vector<std::vector<Term>> terms(n);
+  for (int round = 0; round < rounds; ++round) {
+    const auto pairs = overlappingPairs(g.boxes, c, kOrganicGap);
+    if (pairs.empty()) return;
+    for (auto& t : terms) t.clear();
+    auto distance = [&](std::size_t i, std::size_t j) {
+      return std::max(std::hypot(c[i].x - c[j].x, c[i].y - c[j].y), 1e-3);
+    };
+    for (const auto& [a, b] : pairs) {
+      const auto i = static_cast<std::size_t>(a), j = static_cast<std::size_t>(b);
+      const double dx = std::max(std::abs(c[i].x - c[j].x), 1e-3), dy = std::max(std::abs(c[i].y - c[j].y), 1e-3);
+      const double needX = ((g.boxes[i].w + g.boxes[j].w) / 2.0 + kOrganicGap) / dx;
+      const double needY = ((g.boxes[i].h + g.boxes[j].h) / 2.0 + kOrganicGap) / dy;
+      const double stretch = std::clamp(std::min(needX, needY), 1.0, kMaxStretch);
+      const double d = distance(i, j) * stretch;
+      terms[i].push_back({b, d, 1.0 / (d * d)});
+      terms[j].push_back({a, d, 1.0 / (d * d)});
+    }
+    for (std::size_t i = 0; i < n; ++i)
+      for (int j : adj[i]) {
+        const double d = distance(i, static_cast<std::size_t>(j));
+        terms[i].push_back({j, d, 1.0 / (d * d)});
+      }
+    majorize(c, terms, 3);
   }
 }
 
@@ -288,7 +302,9 @@ std::vector<Point> placeOrganic(const FlatGraph& g) {
     addDirections(g, unit, terms);
     majorize(centres, terms, 40);
   }
-  spreadToDensity(g.boxes, centres);
+  // Stress-based overlap removal keeps the drawing's shape, but costs a
+  // round of majorization per step; the biggest drawings are pushed apart only.
+  if (n <= kStressOverlapLimit) spreadOverlaps(g, adj, centres);
   removeOverlaps(g.boxes, centres, kOrganicGap);
   double minX = std::numeric_limits<double>::max(), minY = std::numeric_limits<double>::max();
   for (int v = 0; v < n; ++v) {

@@ -83,6 +83,46 @@ bool anyOverlap(const std::vector<Box>& boxes, const std::vector<Point>& c, doub
 
 }  // namespace
 
+std::vector<std::pair<int, int>> overlappingPairs(const std::vector<Box>& boxes, const std::vector<Point>& c,
+                                                  double gap) {
+  std::vector<std::pair<int, int>> pairs;
+  const std::size_t n = boxes.size();
+  if (n < 2) return pairs;
+  double largest = 0.0, sum = 0.0;
+  for (const Box& b : boxes) {
+    largest = std::max({largest, b.w, b.h});
+    sum += std::max(b.w, b.h);
+  }
+  const double cell = std::max({sum / static_cast<double>(n) + gap, largest / kMaxCellsAcross, 1.0});
+  auto cellOf = [cell](double v) { return static_cast<std::int64_t>(std::floor(v / cell)); };
+  std::vector<CellEntry> entries;
+  for (std::size_t i = 0; i < n; ++i) {
+    const double hw = (boxes[i].w + gap) / 2.0, hh = (boxes[i].h + gap) / 2.0;
+    for (std::int64_t x = cellOf(c[i].x - hw); x <= cellOf(c[i].x + hw); ++x)
+      for (std::int64_t y = cellOf(c[i].y - hh); y <= cellOf(c[i].y + hh); ++y)
+        entries.push_back({cellKey(x, y), static_cast<int>(i)});
+  }
+  std::sort(entries.begin(), entries.end());
+  for (std::size_t s = 0; s < entries.size();) {
+    std::size_t e = s;
+    while (e < entries.size() && entries[e].cell == entries[s].cell) ++e;
+    for (std::size_t a = s; a < e; ++a)
+      for (std::size_t b = a + 1; b < e; ++b) {
+        const std::size_t i = static_cast<std::size_t>(entries[a].box), j = static_cast<std::size_t>(entries[b].box);
+        const double ox = (boxes[i].w + boxes[j].w) / 2.0 + gap - std::abs(c[j].x - c[i].x);
+        const double oy = (boxes[i].h + boxes[j].h) / 2.0 + gap - std::abs(c[j].y - c[i].y);
+        if (ox <= 0.0 || oy <= 0.0) continue;
+        const double left = std::max(c[i].x - (boxes[i].w + gap) / 2.0, c[j].x - (boxes[j].w + gap) / 2.0);
+        const double top = std::max(c[i].y - (boxes[i].h + gap) / 2.0, c[j].y - (boxes[j].h + gap) / 2.0);
+        if (cellKey(cellOf(left), cellOf(top)) != entries[s].cell) continue;
+        pairs.emplace_back(static_cast<int>(std::min(i, j)), static_cast<int>(std::max(i, j)));
+      }
+    s = e;
+  }
+  std::sort(pairs.begin(), pairs.end());
+  return pairs;
+}
+
 void removeOverlaps(const std::vector<Box>& boxes, std::vector<Point>& centres, double gap) {
   const std::size_t n = boxes.size();
   if (n < 2) return;
