@@ -1,4 +1,4 @@
-// modelyne export: a diagram written as SVG, PDF, PNG or JPEG.
+// modelyne export: a diagram written as SVG, PDF, PNG or JPEG, or a project as SysML v2 text.
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -9,6 +9,7 @@
 #include "cli/output.h"
 #include "cli/raster_output.h"
 #include "cli/text_check.h"
+#include "interchange/sysml_export.h"
 
 namespace modelyne::cli {
 
@@ -23,7 +24,9 @@ constexpr std::string_view kHelp =
     "                       [--model ID] [--kind KEY]\n"
     "\n"
     "Draws the diagram into OUT, as the editor's Export does; the format\n"
-    "follows OUT's extension: .svg, .pdf, .png, .jpg or .jpeg. The margin\n"
+    "follows OUT's extension: .svg, .pdf, .png, .jpg or .jpeg; .sysml writes\n"
+    "the whole project as SysML v2 text and lists on standard error what text\n"
+    "cannot hold. The margin\n"
     "around the content is N diagram units (default 24). SVG has a white page\n"
     "unless --no-background; raster formats always do and use S pixels per\n"
     "diagram unit (default 2). Works without a display.\n"
@@ -48,6 +51,15 @@ int run(const Args& args) {
   expectPositionals(args, 1, 1, "export", "a FILE");
   const auto out = args.value("--output");
   if (!out || *out == "-") throw CliError("export needs -o OUT; its extension gives the format");
+  if (out->size() > 6 && out->ends_with(".sysml")) {
+    // Text holds the whole project; what it cannot hold is listed.
+    const ModelFile file = openModel(args.positionals[0]);
+    const interchange::SysmlExport text = interchange::exportSysml(file.project, *out);
+    writeResult(out, text.text);
+    const std::string losses = interchange::lossLines(text.report);
+    if (!losses.empty()) diagnostic(losses.substr(0, losses.size() - 1));
+    return kExitOk;
+  }
   const bool raster = isRasterOutput(*out);
   ExportSettings settings = defaultExportSettings();
   settings.margin = positiveNumber(args, "--margin", settings.margin, true);

@@ -32,6 +32,7 @@ const Command& checkCommand();
 const Command& assessCommand();
 const Command& explainCommand();
 const Command& exportCommand();
+const Command& importCommand();
 const Command& generateCommand();
 const Command& planCommand();
 const Command& promptCommand();

@@ -91,9 +91,9 @@ int dispatch(std::span<const std::string> args) {
 std::span<const Command* const> allCommands() {
   static const std::array table = {
       &checkCommand(),    &assessCommand(), &explainCommand(), &exportCommand(),
-      &generateCommand(), &planCommand(),   &promptCommand(),  &evalCommand(),
-      &simulateCommand(), &infoCommand(),   &formatCommand(),  &layoutCommand(),
-      &cloudCommand(),
+      &importCommand(),   &generateCommand(), &planCommand(),  &promptCommand(),
+      &evalCommand(),     &simulateCommand(), &infoCommand(),  &formatCommand(),
+      &layoutCommand(),   &cloudCommand(),
   };
   return table;
 }

@@ -151,6 +151,7 @@ std::vector<SchemaDef> buildTables() {
       P::multiLine("parts", "Parts", kSysml, "one per line: name : Type [m..n]"),
       P::multiLine("references", "References", kSysml, "one per line: name : Type [m..n]"),
       P::multiLine("values", "Values", kSysml, "one per line: name : ValueType = default"),
+      P::multiLine("ports", "Ports", kV2, "one per line: name : PortDef [m..n]"),
       P::multiLine("constraints", "Constraints", kSysml, "one per line: name : ConstraintBlock"),
       operations(kSysml),
       P::multiLine("receptions", "Receptions", kSysml, "one per line: SignalName"),

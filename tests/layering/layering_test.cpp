@@ -30,6 +30,7 @@ const std::map<std::string, Layer>& layers() {
       {"layout", {{"core", "layout"}}},
       {"io", {{"core", "io"}}},
       {"bridge", {{"core", "io", "layout", "bridge"}}},
+      {"interchange", {{"core", "io", "bridge", "layout", "interchange"}}},
       {"check", {{"core", "check"}}},
       {"export", {{"core", "export"}}},
       {"explain", {{"core", "explain"}}},
@@ -37,8 +38,8 @@ const std::map<std::string, Layer>& layers() {
       {"ai", {{"core", "bridge", "ai"}}},
       {"cloud", {{"ai", "cloud"}}},
       {"render", {{"core", "io", "export", "render"}, true}},
-      {"cli", {{"core", "io", "bridge", "check", "export", "explain", "sim", "ai", "cloud", "render", "cli"}}},
-      {"shell", {{"core", "io", "bridge", "check", "export", "explain", "sim", "ai", "cloud", "render", "shell"}, true}},
+      {"cli", {{"core", "io", "bridge", "interchange", "check", "export", "explain", "sim", "ai", "cloud", "render", "cli"}}},
+      {"shell", {{"core", "io", "bridge", "interchange", "check", "export", "explain", "sim", "ai", "cloud", "render", "shell"}, true}},
   };
   return table;
 }

@@ -1,0 +1,17 @@
+#pragma once
+/// Positions for nodes that were read without any: each node gets a size
+/// for its type and a place in a grid, in node order, so that the same nodes
+/// always land in the same places.
+///
+///   placeNodes(nodes, edges, core::DiagramKind::bdd);
+
+#include <vector>
+
+#include "core/diagram_kind.h"
+#include "core/model.h"
+
+namespace modelyne::interchange {
+
+void placeNodes(std::vector<core::Node>& nodes, const std::vector<core::Edge>& edges, core::DiagramKind kind);
+
+}  // namespace modelyne::interchange
