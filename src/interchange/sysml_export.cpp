@@ -3,6 +3,7 @@
 #include <array>
 #include <map>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "interchange/sysml_header.h"
@@ -109,6 +110,8 @@ struct Element {
   std::vector<std::pair<const core::Edge*, std::size_t>> edges;  ///< with the model they are in
   std::vector<const core::Node*> notes;
   std::vector<std::string> extraSpecializes;  ///< from generalization edges of drawn diagrams
+  /// References without edges: where a later succession starts ("first x;").
+  std::vector<std::pair<const core::Node*, std::size_t>> starts;
 };
 
 class Writer {
@@ -131,7 +134,7 @@ class Writer {
     if (qn.empty()) return 0;
     if (const auto it = index_.find(qn); it != index_.end()) return it->second;
     const std::size_t parent = elementFor(parentOf(qn));
-    elements_.push_back({qn, nullptr, {}, {}, {}, {}});
+    elements_.push_back({qn, nullptr, {}, {}, {}, {}, {}});
     const std::size_t i = elements_.size() - 1;
     index_.emplace(qn, i);
     elements_[parent].children.push_back(i);
@@ -181,6 +184,11 @@ class Writer {
       const ModelView& v = views_[m];
       std::unordered_map<std::string, const core::Node*> byId;
       for (const core::Node& n : *v.nodes) byId.emplace(n.id, &n);
+      std::unordered_map<std::string_view, bool> used;
+      for (const core::Edge& e : *v.edges) used[e.source] = used[e.target] = true;
+      for (const core::Node& n : *v.nodes)
+        if (propertyOf(n, kReferenceKey) == "true" && !used.count(n.id))
+          elements_[elementFor(v.context)].starts.emplace_back(&n, m);
       for (const core::Edge& e : *v.edges) {
         const auto s = byId.find(e.source), t = byId.find(e.target);
         if (s == byId.end() || t == byId.end()) {
@@ -238,8 +246,12 @@ class Writer {
     }
     std::size_t matched = 0;
     const KindInfo* k = findKind(words, matched);
-    const bool same = k && (k->role == Role::relationship || k->role == Role::usage) &&
-                      (k->role == Role::usage || k->ends == ends);
+    // Usages that carry their ends ("connection c connect a to b") name the
+    // relationship too.
+    const bool carrier = k && k->role == Role::usage &&
+                         (k->phrase == "connection" || k->phrase == "interface" || k->phrase == "allocation" ||
+                          k->phrase == "binding");
+    const bool same = k && (carrier || (k->role == Role::relationship && k->ends == ends));
     if (same && matched > 0) {
       std::size_t cut = 0;
       for (std::size_t i = 0; i < matched; ++i) cut += words[i].size() + 1;
@@ -260,6 +272,7 @@ class Writer {
     auto [phrase, rest] = splitPhrase(e.text, e.type, ends);
     switch (ends) {
       case EndSyntax::connectTo:
+        if (phrase == "connect" && rest.starts_with("#")) return rest + " connect " + a + " to " + b + ";";
         if (phrase == "connect" && !rest.empty()) phrase = "connection";
         return phrase == "connect" ? "connect " + a + " to " + b + ";"
                                    : phrase + spaced(rest) + " connect " + a + " to " + b + ";";
@@ -267,9 +280,16 @@ class Writer {
         if (phrase == "bind" && rest.empty()) return "bind " + a + " = " + b + ";";
         return "binding" + spaced(rest) + " bind " + a + " = " + b + ";";
       case EndSyntax::fromTo: return phrase + spaced(rest) + " from " + a + " to " + b + ";";
-      case EndSyntax::firstThen:
-        if (rest.starts_with("succession")) return rest + " first " + a + " then " + b + ";";
-        return "first " + a + spaced(rest) + " then " + b + ";";
+      case EndSyntax::firstThen: {
+        if (phrase != "succession") return "first " + a + spaced(rest) + " then " + b + ";";
+        // "succession s if g": the name before "first", the guard after it.
+        std::string name = rest, guard;
+        if (const std::size_t at = (" " + rest).find(" if "); at != std::string::npos) {
+          name = at == 0 ? std::string() : rest.substr(0, at - 1);
+          guard = rest.substr(at);
+        }
+        return "succession" + spaced(name) + " first " + a + spaced(guard) + " then " + b + ";";
+      }
       case EndSyntax::transition: {
         std::string name, mid = rest;
         const LexResult lx = lexSysml(rest);
@@ -298,27 +318,30 @@ class Writer {
 
   std::string header(const Element& el) const {
     const core::Node& n = *el.node;
-    std::string keyword = propertyOf(n, kKeywordKey);
-    if (keyword.empty()) keyword = std::string(defaultPhraseOf(n.type));
+    // An empty keyword is kept: a feature declared without one.
+    const auto kw = n.properties.find(std::string(kKeywordKey));
+    std::string keyword = kw != n.properties.end() ? kw->second : std::string(defaultPhraseOf(n.type));
     std::string out;
     if (propertyOf(n, "isAbstract") == "true" && keyword.find("abstract") == std::string::npos) out += "abstract ";
     const std::string direction = propertyOf(n, "direction");
     if (!direction.empty() && direction != "none") out += direction + " ";
     out += keyword;
+    if (!keyword.empty() || !out.empty()) out += " ";
     const std::string shortName = propertyOf(n, detailKey(n.type, Detail::shortName));
-    if (!shortName.empty()) out += " <" + quoteName(shortName) + ">";
-    if (!n.text.empty()) out += " " + writtenName(n.text);
+    if (!shortName.empty()) out += "<" + quoteName(shortName) + "> ";
+    if (!n.text.empty()) out += writtenName(n.text);
+    while (!out.empty() && out.back() == ' ') out.pop_back();
     std::string typing = propertyOf(n, detailKey(n.type, Detail::typing));
     if (!typing.empty()) {
       if (propertyOf(n, "isConjugated") == "true") typing = "~" + typing;
-      out += " : " + typing;
+      out += (out.empty() ? ": " : " : ") + typing;
     }
     const bool definition = keyword.ends_with("def") || n.type == S::umlPackage;
     std::string special = propertyOf(n, detailKey(n.type, definition ? Detail::specializes : Detail::subsets));
     for (const std::string& s : el.extraSpecializes) special += (special.empty() ? "" : ", ") + s;
-    if (!special.empty()) out += " :> " + special;
+    if (!special.empty()) out += (out.empty() ? ":> " : " :> ") + special;
     const std::string redefines = propertyOf(n, detailKey(n.type, Detail::redefines));
-    if (!redefines.empty()) out += " :>> " + redefines;
+    if (!redefines.empty()) out += (out.empty() ? ":>> " : " :>> ") + redefines;
     const std::string references = propertyOf(n, detailKey(n.type, Detail::references));
     if (!references.empty()) out += " ::> " + references;
     const std::string multiplicity = propertyOf(n, detailKey(n.type, Detail::multiplicity));
@@ -382,11 +405,34 @@ class Writer {
         line(out, depth, text);
       }
     }
-    for (std::size_t c : el.children) element(c, depth, out);
+    // Successions from an element without a name follow it directly
+    // ("then x;", "if g then x;"): there is no name to start them from.
+    std::vector<std::pair<const core::Edge*, std::size_t>> fromUnnamed;
+    std::unordered_map<const core::Node*, std::vector<std::size_t>> shorthand;
+    for (const auto& [edge, model] : el.edges) {
+      if (edge->type != E::sysmlControlFlow && edge->type != E::sysmlTransition) continue;
+      const core::Node* src = nodeById(views_[model], edge->source);
+      const std::vector<std::string> parts = splitQualified(src ? propertyOf(*src, kQualifiedNameKey) : std::string());
+      if (!src || !parts.back().starts_with("<")) continue;
+      shorthand[src].push_back(fromUnnamed.size());
+      fromUnnamed.emplace_back(edge, model);
+    }
+    for (std::size_t c : el.children) {
+      element(c, depth, out);
+      const auto it = shorthand.find(elements_[c].node);
+      if (it == shorthand.end()) continue;
+      for (std::size_t k : it->second) {
+        const auto& [edge, model] = fromUnnamed[k];
+        const core::Node* tgt = nodeById(views_[model], edge->target);
+        line(out, depth, edge->text + (edge->text.empty() ? "" : " ") + "then " + endName(*tgt, views_[model], el.qn) + ";");
+        printed_.insert(edge);
+      }
+    }
     for (const core::Node* note : el.notes)
       comment(out, depth, note->text.empty() ? "" : "comment " + writtenName(note->text), propertyOf(*note, "body"));
+    for (const auto& [node, model] : el.starts) line(out, depth, "first " + endName(*node, views_[model], el.qn) + ";");
     for (const auto& [edge, model] : el.edges)
-      if (edge->type != E::sysmlImport) line(out, depth, edgeLine(*edge, views_[model], el.qn));
+      if (edge->type != E::sysmlImport && !printed_.count(edge)) line(out, depth, edgeLine(*edge, views_[model], el.qn));
     if (n) {
       const std::string expr = propertyOf(*n, detailKey(n->type, Detail::expression));
       for (const std::string& l : lines(expr))
@@ -395,7 +441,7 @@ class Writer {
   }
 
   bool hasBody(const Element& el) const {
-    if (!el.children.empty() || !el.edges.empty() || !el.notes.empty()) return true;
+    if (!el.children.empty() || !el.edges.empty() || !el.notes.empty() || !el.starts.empty()) return true;
     const core::Node& n = *el.node;
     if (!propertyOf(n, detailKey(n.type, Detail::documentation)).empty() || !propertyOf(n, kDocumentationKey).empty())
       return true;
@@ -431,15 +477,17 @@ class Writer {
   InterchangeReport& report_;
   std::vector<Element> elements_;
   std::unordered_map<std::string, std::size_t> index_;
+  std::unordered_set<const core::Edge*> printed_;
 };
 
 std::string contextOf(const core::DiagramFrame& frame, const std::string& modelName) {
   if (frame.elementType == "namespace") return {};
   if (!frame.elementName.empty()) {
     // A qualified name as imported, or a plain name of a drawn diagram.
-    const LexResult lx = lexSysml(frame.elementName);
-    if (lx.errors.empty() && isWrittenName(frame.elementName)) return frame.elementName;
-    return quoteName(frame.elementName);
+    bool written = true;
+    for (const std::string& segment : splitQualified(frame.elementName))
+      written = written && (isWrittenName(segment) || segment.starts_with("<"));
+    return written ? frame.elementName : quoteName(frame.elementName);
   }
   return quoteName(modelName.empty() ? "Model" : modelName);
 }

@@ -194,9 +194,30 @@ Header readHeader(std::span<const Token> header, std::vector<SyntaxError>& error
 std::string joinTokens(std::span<const Token> tokens) {
   std::string out;
   for (std::size_t i = 0; i < tokens.size(); ++i) {
-    if (i > 0 && !noSpaceBefore(tokens[i]) && !noSpaceAfter(tokens[i - 1]) && !callLike(tokens[i - 1], tokens[i]))
-      out += ' ';
-    out.append(tokens[i].text);
+    const Token& t = tokens[i];
+    // A short name after a keyword: "<'1'>", not a comparison.
+    const bool shortName = t.is("<") && i + 2 < tokens.size() && tokens[i + 1].isName() && tokens[i + 2].is(">") &&
+                           (i == 0 || (tokens[i - 1].kind == TokenKind::name && isReservedWord(tokens[i - 1].text)));
+    if (i > 0 && !noSpaceBefore(t) && !noSpaceAfter(tokens[i - 1]) && !callLike(tokens[i - 1], t)) out += ' ';
+    if (shortName) {
+      out += "<";
+      out.append(tokens[i + 1].text);
+      out += ">";
+      i += 2;
+      continue;
+    }
+    if (t.kind == TokenKind::comment) {
+      // One line: runs of white space in the comment become one space.
+      bool space = false;
+      for (const char c : t.text) {
+        const bool ws = c == ' ' || c == '\t' || c == '\n' || c == '\r';
+        if (ws && space) continue;
+        out += ws ? ' ' : c;
+        space = ws;
+      }
+      continue;
+    }
+    out.append(t.text);
   }
   return out;
 }

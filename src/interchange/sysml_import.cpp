@@ -318,13 +318,20 @@ class Mapper {
     return out;
   }
 
-  /// A body that fits on one compartment line: empty, or one result expression.
+  /// A body that fits on one compartment line: empty, annotations only, or
+  /// one result expression.
   bool compact(const Statement& s) const {
-    if (!s.hasBody) return true;
-    if (s.body.size() > 1) return false;
-    if (s.body.empty()) return true;
-    const Statement& c = s.body.front();
-    return !c.semicolon && !c.hasBody && first(c).kind != TokenKind::comment;
+    std::size_t expressions = 0;
+    for (const Statement& c : s.body) {
+      const Token& t = first(c);
+      const bool metadata = t.is("@") || (t.is("metadata") && !tree_.tokens[c.first + 1].is("def"));
+      if (metadata) continue;
+      const bool expression = t.kind != TokenKind::name || !isReservedWord(t.text) || isExpressionWord(t.text);
+      if (c.semicolon || c.hasBody || !expression || ++expressions > 1) return false;
+      for (std::uint32_t k = c.first; k < c.end; ++k)
+        if (tree_.tokens[k].kind == TokenKind::comment) return false;
+    }
+    return true;
   }
 
   // ---- classification ----
@@ -500,7 +507,7 @@ class Mapper {
     const Token& body = r.tokens.back();
     std::string text = body.kind == TokenKind::comment ? commentText(body.text) : std::string();
     core::Node& n = nodeAt(model, node);
-    appendLine(n, detailKey(n.type, Detail::documentation), text, "\n\n");
+    if (!text.empty()) appendLine(n, detailKey(n.type, Detail::documentation), text, "\n\n");
     report_.account(Disposition::property);
     if (r.tokens.size() > 2) partial(s, "doc", r.header.name, "name and locale of the documentation not kept");
   }
@@ -517,6 +524,14 @@ class Mapper {
 
   void comment(const Statement& s, const Reading& r, Owner& owner) {
     const Token& body = r.tokens.back();
+    if (!owner.isPackage) {  // a comment inside an element documents it
+      core::Node& n = nodeAt(owner.nodeModel, owner.node);
+      const std::string text = body.kind == TokenKind::comment ? commentText(body.text) : std::string();
+      if (!text.empty()) appendLine(n, detailKey(n.type, Detail::documentation), text, "\n\n");
+      report_.account(Disposition::property);
+      if (r.kind) partial(s, "comment", r.header.name, "kept as documentation of its owner");
+      return;
+    }
     core::Node n;
     n.type = S::umlNote;
     n.properties["body"] = body.kind == TokenKind::comment ? commentText(body.text) : std::string();
@@ -578,8 +593,10 @@ class Mapper {
       const Reading r = classify(c, probe);
       std::swap(ignored, headerErrors_);
       if (r.act == Act::relationship || r.act == Act::thenDeclaration) {
-        relation = true;
         const std::string_view p = r.kind ? r.kind->phrase : std::string_view();
+        // Satisfy and verify are drawn in the package's requirement diagram.
+        if (p == "satisfy" || p.starts_with("verify")) continue;
+        relation = true;
         message = message || p == "message";
         connect = connect || p == "connect" || p == "connection" || p == "interface";
         bind = bind || p == "bind" || p == "binding";
@@ -945,7 +962,9 @@ class Mapper {
     Statement copy = s;
     copy.first += 1;
     declarationNode(copy, inner, o, prev);
-    if (model >= 0 && models_[static_cast<std::size_t>(model)].m.nodes.size() > nodesBefore) {
+    const bool named = !inner.header.name.empty() || !inner.header.redefines.empty();
+    if (!named && model >= 0) partial(s, "then", "", "succession to an unnamed element not drawn");
+    if (named && model >= 0 && models_[static_cast<std::size_t>(model)].m.nodes.size() > nodesBefore) {
       PendingEdge p;
       p.model = model;
       p.context = owner.qn;

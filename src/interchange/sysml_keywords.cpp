@@ -157,6 +157,7 @@ constexpr std::array kKinds{
     other("alias", Role::alias),
     other("doc", Role::doc),
     other("comment", Role::comment),
+    other("locale", Role::comment),
     other("metadata", Role::metadata),
     other("entry", Role::stateAction),
     other("do", Role::stateAction),

@@ -84,7 +84,8 @@ class Parser {
       s.end = static_cast<std::uint32_t>(i_);
       return true;
     }
-    const bool textual = cur().is("doc") || cur().is("comment") || cur().is("rep") || cur().is("language");
+    const bool textual = cur().is("doc") || cur().is("comment") || cur().is("rep") || cur().is("language") ||
+                         cur().is("locale");
     std::vector<const Token*> brackets;  // open ( [ { inside the header
     while (true) {
       const Token& tok = cur();
