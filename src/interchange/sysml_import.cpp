@@ -1102,7 +1102,10 @@ SysmlImport importSysml(std::string text, std::string_view fileName) {
   SysmlContent content = readSysml(std::move(text), fileName);
   for (ImportedModel& m : content.models) placeImportedModel(m);
   SysmlImport out;
-  out.project = projectOf(content.models, fileName);
+  // The project is named after the file, without folders and extension.
+  std::string_view stem = fileName.substr(std::min(fileName.size(), fileName.find_last_of("/\\") + 1));
+  stem = stem.substr(0, stem.rfind('.'));
+  out.project = projectOf(content.models, stem.empty() ? fileName : stem);
   out.report = std::move(content.report);
   out.status = content.status;
   return out;
