@@ -12,3 +12,4 @@ modelyne_fuzzer(fuzz_export_svg SOURCES export_svg.cpp LIBS modelyne_export mode
 modelyne_fuzzer(fuzz_cloud_reply SOURCES cloud_reply.cpp LIBS modelyne_cloud)
 modelyne_fuzzer(fuzz_simulate SOURCES simulate.cpp LIBS modelyne_sim)
 modelyne_fuzzer(fuzz_layout_document SOURCES layout_document.cpp LIBS modelyne_layout)
+modelyne_fuzzer(fuzz_sysml_import SOURCES sysml_import.cpp LIBS modelyne_interchange)

@@ -198,6 +198,7 @@ struct FirstOnly {
 struct Previous {
   int node = -1;
   std::string text;
+  int model = -1;  ///< the model `node` is in
   bool set() const { return node >= 0 || !text.empty(); }
 };
 
@@ -297,9 +298,15 @@ class Mapper {
     for (const Statement& c : s.body) {
       std::vector<SyntaxError> ignored;
       const Header h = readHeader(tree_.header(c), ignored);
-      lose(c, h.kind ? std::string(h.kind->phrase) : std::string(first(c).text.substr(0, 20)), h.name,
+      lose(c, kindWord(h), h.name,
            "inside " + kind + (name.empty() ? "" : " " + name) + ", not drawn");
     }
+  }
+
+  /// The kind a loss line names: the kind phrase, else what the statement is.
+  static std::string kindWord(const Header& h) {
+    if (h.kind) return std::string(h.kind->phrase);
+    return h.name.empty() ? "expression" : "feature";
   }
 
   void partial(const Statement& s, std::string kind, std::string name, std::string reason) {
@@ -468,7 +475,7 @@ class Mapper {
     text += (text.empty() ? "" : " ") + spec;
     if (!owner.isPackage) {
       appendLine(nodeAt(owner.nodeModel, owner.node), compartmentKey(Compartment::members), fullText(s));
-      report_.account(Disposition::property);
+      countTree(s, Disposition::property);
       return;
     }
     if (owner.packageNode < 0) {
@@ -490,6 +497,17 @@ class Mapper {
     p.targetHint = S::umlPackage;
     pending_.push_back(std::move(p));
     report_.account(Disposition::edge);
+    loseMembers(s, "import");
+  }
+
+  /// Members of something drawn as an edge cannot be drawn.
+  void loseMembers(const Statement& s, const std::string& what) {
+    for (const Statement& c : s.body) {
+      std::vector<SyntaxError> ignored;
+      const Header ch = readHeader(tree_.header(c), ignored);
+      lose(c, kindWord(ch), ch.name,
+           "member of " + what + " not drawn");
+    }
   }
 
   /// The node that documentation and member lines of the owner go to, or -1.
@@ -509,6 +527,7 @@ class Mapper {
     core::Node& n = nodeAt(model, node);
     if (!text.empty()) appendLine(n, detailKey(n.type, Detail::documentation), text, "\n\n");
     report_.account(Disposition::property);
+    loseMembers(s, "documentation");
     if (r.tokens.size() > 2) partial(s, "doc", r.header.name, "name and locale of the documentation not kept");
   }
 
@@ -530,6 +549,7 @@ class Mapper {
       if (!text.empty()) appendLine(n, detailKey(n.type, Detail::documentation), text, "\n\n");
       report_.account(Disposition::property);
       if (r.kind) partial(s, "comment", r.header.name, "kept as documentation of its owner");
+      loseMembers(s, "a comment");
       return;
     }
     core::Node n;
@@ -542,6 +562,7 @@ class Mapper {
     }
     addNode(memberModel(owner, Home::bdd), std::move(n), false);
     report_.account(Disposition::node);
+    loseMembers(s, "a comment");
   }
 
   void stateAction(const Statement& s, const Reading& r, Owner& owner) {
@@ -694,8 +715,9 @@ class Mapper {
     // containment (definitions).
     if (!owner.isPackage && owner.ownModel < 0 && owner.nodeModel == model)
       addEdge(model, owner.node, index, definition ? E::sysmlContainment : E::composition, "");
-    if (!owner.isPackage && owner.ownModel == model) prev = Previous{index, {}};
-    if (owner.isPackage && (kind && (kind->shape == S::sysmlActionUsage || kind->ownKind == K::act))) prev = Previous{index, {}};
+    if (!owner.isPackage && owner.ownModel == model) prev = Previous{index, {}, model};
+    if (owner.isPackage && (kind && (kind->shape == S::sysmlActionUsage || kind->ownKind == K::act)))
+      prev = Previous{index, {}, model};
 
     Owner inner;
     inner.isPackage = false;
@@ -838,6 +860,7 @@ class Mapper {
           firstOnly_.push_back({owner.ownModel >= 0 ? owner.ownModel : memberModelFor(owner, p.type), owner.qn, p.source,
                                 endHint(p.type, p.source)});
           report_.account(Disposition::node);
+          loseMembers(s, "a succession");
           return;
         }
         const std::string mid = joinTokens(span(aEnd, t));
@@ -908,20 +931,23 @@ class Mapper {
     }
     p.text = edgeText(p.text, p.type);
     if (p.model < 0) p.model = owner.ownModel >= 0 ? owner.ownModel : memberModelFor(owner, p.type);
+    if (p.sourceNode >= 0 && prev.model != p.model) sourceByName(p, prev.model);
     p.sourceHint = endHint(p.type, p.source);
     p.targetHint = endHint(p.type, p.target);
     if (p.type == E::sysmlSatisfy) p.targetHint = S::sysmlRequirementUsage;
     if (p.type == E::sysmlControlFlow || p.type == E::sysmlTransition) prev = Previous{-1, p.target};
-    if (s.hasBody && !s.body.empty()) {
-      for (const Statement& c : s.body) {
-        std::vector<SyntaxError> ignored;
-        const Header ch = readHeader(tree_.header(c), ignored);
-        lose(c, ch.kind ? std::string(ch.kind->phrase) : std::string("member"), ch.name,
-             "member of a relationship not drawn");
-      }
-    }
+    loseMembers(s, "a relationship");
     pending_.push_back(std::move(p));
     report_.account(Disposition::edge);
+  }
+
+  /// A previous node of another model: named instead, so that the edge's
+  /// model gets a node of its own for it.
+  void sourceByName(PendingEdge& p, int model) {
+    const core::Node& n = nodeAt(model, p.sourceNode);
+    const std::string qn = propertyOf(n, kQualifiedNameKey);
+    p.source = qn.empty() ? n.text : "\x01" + qn;
+    p.sourceNode = -1;
   }
 
   /// The model a relationship in an owner without a diagram of its own goes to.
@@ -971,10 +997,11 @@ class Mapper {
       p.type = owner.stateLike ? E::sysmlTransition : E::sysmlControlFlow;
       p.source = before.text;
       p.sourceNode = before.node;
+      if (p.sourceNode >= 0 && before.model != model) sourceByName(p, before.model);
       p.targetNode = static_cast<int>(nodesBefore);
       p.sourceHint = endHint(p.type, p.source);
       pending_.push_back(std::move(p));
-      prev = Previous{static_cast<int>(nodesBefore), {}};
+      prev = Previous{static_cast<int>(nodesBefore), {}, model};
     }
   }
 

@@ -505,3 +505,41 @@ TEST(CliPrompt, GenerateAndRefinePrompts) {
 
 }  // namespace
 }  // namespace modelyne::cli::test
+
+namespace modelyne::cli::test {
+namespace {
+
+// SysML v2 text in and out: the summary and loss lines, the JSON form, the
+// exit codes, and export of the imported project back to the same text.
+TEST(CliSysml, ImportAndExport) {
+  const fs::path dir = scratchDir("cli_sysml");
+  writeText(dir / "v.sysml", "package P {\n  part def A;\n  part b : A;\n  @Meta;\n}\n");
+  ToolRun r = runTool({"import", "v.sysml", "-o", "v.xml"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_EQ(r.err,
+            "Read 4 declarations: 3 as nodes, 0 as edges, 0 as properties, 1 not drawn.\n"
+            "v.sysml:4: metadata Meta: metadata not drawn\n");
+  r = runTool({"import", "v.sysml", "-o", "v.xml", "--format", "json"}, {}, dir);
+  EXPECT_EQ(r.out,
+            "{\"declarations\": 4, \"nodes\": 3, \"edges\": 0, \"properties\": 0, \"lost\": [{\"line\": 4, "
+            "\"kind\": \"metadata\", \"name\": \"Meta\", \"reason\": \"metadata not drawn\"}], \"errors\": [], "
+            "\"models\": [{\"id\": \"m1\", \"kind\": \"pkg\", \"nodes\": 1, \"edges\": 0}, {\"id\": \"m2\", "
+            "\"kind\": \"bdd\", \"nodes\": 2, \"edges\": 0}]}\n");
+  r = runTool({"export", "v.xml", "-o", "back.sysml"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_EQ(readText(dir / "back.sysml"), "package P {\n  part def A;\n  part b : A;\n}\n");
+  EXPECT_EQ(r.err, "back.sysml: position: positions and sizes of nodes not written\n");
+
+  writeText(dir / "bad.sysml", "part def A {\n  part b\n}\npart def C;\n");
+  r = runTool({"import", "bad.sysml"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_EQ(r.err,
+            "bad.sysml:3:1: Expected ';' after 'b' to end the statement.\n"
+            "Read 2 declarations: 2 as nodes, 0 as edges, 0 as properties, 0 not drawn.\n");
+  EXPECT_NE(r.out.find("<text>C</text>"), std::string::npos);
+  writeText(dir / "none.sysml", "part a");
+  EXPECT_EQ(runTool({"import", "none.sysml"}, {}, dir).exitCode, 2);
+}
+
+}  // namespace
+}  // namespace modelyne::cli::test

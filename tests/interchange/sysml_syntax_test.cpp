@@ -102,3 +102,16 @@ TEST(SysmlSyntax, BadInputGivesClearErrors) {
   for (int i = 0; i < 100000; ++i) binary += static_cast<char>(i % 256);
   EXPECT_LE(errorsOf(binary).size(), 200u);
 }
+
+// Fuzzer findings, each kept as a case of its own.
+TEST(SysmlSyntax, FuzzFindings) {
+  // A succession start with a body: its members are accounted for as lost.
+  const SysmlContent c = readSysml("first a{y}", "f.sysml");
+  EXPECT_EQ(c.report.total(), 2u);
+  EXPECT_EQ(lossLines(c.report), "f.sysml:1: feature y: member of a succession not drawn\n");
+  // A succession in a package after an action drawn in another of its models.
+  EXPECT_EQ(readSysml("a{import{i}}", "f.sysml").report.total(), 3u);
+  EXPECT_EQ(readSysml("x{doc{e;}}", "f.sysml").report.total(), 3u);
+  const SysmlContent d = readSysml("action d; then a;", "f.sysml");
+  EXPECT_EQ(summaryLine(d.report), "Read 2 declarations: 1 as nodes, 1 as edges, 0 as properties, 0 not drawn.");
+}
