@@ -3,6 +3,11 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <string_view>
+#include <unordered_map>
+
+#include "core/document.h"
+#include "layout/layout.h"
 
 namespace modelyne::interchange {
 
@@ -28,12 +33,14 @@ constexpr float kBoxH = 80;
 constexpr float kGap = 60;
 constexpr float kMargin = 40;
 
-}  // namespace
+// Networks without a main direction read best organic; the rest are
+// hierarchies or flows.
+bool organicKind(core::DiagramKind kind) {
+  return kind == core::DiagramKind::ibd || kind == core::DiagramKind::par || kind == core::DiagramKind::uc ||
+         kind == core::DiagramKind::mm;
+}
 
-void placeNodes(std::vector<core::Node>& nodes, const std::vector<core::Edge>& edges, core::DiagramKind kind) {
-  (void)edges;
-  (void)kind;
-  if (nodes.empty()) return;
+void gridPlace(std::vector<core::Node>& nodes) {
   const auto columns = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(nodes.size()))));
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     core::Node& n = nodes[i];
@@ -45,6 +52,26 @@ void placeNodes(std::vector<core::Node>& nodes, const std::vector<core::Edge>& e
     // Centred in its cell so that small symbols line up with boxes.
     n.geom = {cellX + (kBoxW - w) / 2, cellY + (kBoxH - h) / 2, w, h};
   }
+}
+
+}  // namespace
+
+void placeNodes(std::vector<core::Node>& nodes, const std::vector<core::Edge>& edges, core::DiagramKind kind) {
+  if (nodes.empty()) return;
+  // The grid gives every node its size and a readable fallback; the automatic
+  // layout then arranges them by their edges. A diagram the layout declines
+  // (too large) keeps the grid.
+  gridPlace(nodes);
+  core::Document doc;
+  for (const core::Node& n : nodes) doc.addNode(n);
+  for (const core::Edge& e : edges) doc.addEdge(e);
+  const layout::LayoutResult result = organicKind(kind) ? layout::layoutOrganic(doc) : layout::layoutLayered(doc);
+  if (!result.laidOut) return;
+  std::unordered_map<std::string_view, const core::NodeGeometry*> placed;
+  placed.reserve(result.placements.size());
+  for (const layout::Placement& p : result.placements) placed.emplace(p.id, &p.geom);
+  for (core::Node& n : nodes)
+    if (const auto it = placed.find(n.id); it != placed.end()) n.geom = *it->second;
 }
 
 }  // namespace modelyne::interchange

@@ -1,7 +1,8 @@
 #pragma once
 /// Positions for nodes that were read without any: each node gets a size
-/// for its type and a place in a grid, in node order, so that the same nodes
-/// always land in the same places.
+/// for its type, then the automatic layout arranges them by their edges
+/// (organic for internal block, parametric, use case and mind map diagrams,
+/// layered for the rest). Deterministic: the same nodes land in the same places.
 ///
 ///   placeNodes(nodes, edges, core::DiagramKind::bdd);
 
