@@ -6,18 +6,14 @@
 #include <QListWidget>
 #include <QVBoxLayout>
 
+#include "shell/command_table.h"
 #include "shell/i18n/strings.h"
 
 namespace modelyne::shell {
-namespace {
-
-QString plain(QString text) { return text.remove(QLatin1Char('&')); }
-
-}  // namespace
 
 CommandPalette::CommandPalette(const QList<QAction*>& commands, QWidget* parent) : QDialog(parent), commands_(commands) {
   setObjectName(QStringLiteral("commandPalette"));
-  setWindowTitle(ui("ui.menu.view.command_palette"));
+  setWindowTitle(withoutMnemonic(ui("ui.menu.view.command_palette")));
   auto* layout = new QVBoxLayout(this);
   search_ = new QLineEdit(this);
   search_->setPlaceholderText(ui("ui.palette.command_search"));
@@ -36,11 +32,11 @@ void CommandPalette::filter(const QString& text) {
   list_->clear();
   const QStringList words = text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
   for (QAction* a : commands_) {
-    const QString name = plain(a->text());
+    const QString name = withoutMnemonic(a->text());
     bool match = a->isEnabled();
     for (const QString& w : words) match = match && name.contains(w, Qt::CaseInsensitive);
     if (!match) continue;
-    const QString keys = a->shortcut().toString(QKeySequence::NativeText);
+    const QString keys = shortcutText(a);
     auto* item = new QListWidgetItem(keys.isEmpty() ? name : name + QStringLiteral("    ") + keys, list_);
     item->setData(Qt::UserRole, QVariant::fromValue(static_cast<QObject*>(a)));
   }

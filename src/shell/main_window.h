@@ -10,8 +10,11 @@
 #include <QPointer>
 #include <memory>
 #include <optional>
+#include <span>
+#include <vector>
 
 #include "core/diagram_kind.h"
+#include "shell/command_table.h"
 #include "shell/project_session.h"
 
 class QAction;
@@ -54,7 +57,15 @@ class MainWindow : public QMainWindow {
   ReviewSession* review() const noexcept { return review_.get(); }
   /// A command by its name ("file.save", "edit.undo", "arrange.align.left").
   QAction* action(const QString& name) const { return actions_.value(name); }
+  /// Every command with a text, by name (what the command palette lists).
   QList<QAction*> allCommands() const;
+  /// A menu of the table by its id ("file.export", "edit").
+  QMenu* menu(const QString& id) const { return menus_.value(id); }
+  /// The commands shown at `place` (CommandPlace bits), in table order,
+  /// in a new menu that deletes itself when closed.
+  QMenu* contextMenu(unsigned place);
+  /// The rows of the editor's commands and menus (main_window_commands.cpp).
+  static std::span<const CommandSpec> commandTable();
   bool startPageShown() const;
 
   /// Starts a new project of one diagram of the kind (asks about unsaved changes).
@@ -96,14 +107,20 @@ class MainWindow : public QMainWindow {
  private:
   // construction (main_window.cpp)
   void buildDocks();
-  void buildActions();
-  void buildMenus();
-  void buildToolbar();
   void retranslate();
-  QAction* makeAction(const QString& name, const char* key, void (MainWindow::*slot)(),
-                      QKeySequence shortcut = {});
-  QAction* makeAction(const QString& name, const char* key, std::function<void()> fn,
-                      QKeySequence shortcut = {});
+
+  // commands (main_window_commands.cpp)
+  struct Command {
+    const CommandSpec* spec;
+    int member;  // index in the row's family, else 0
+    QAction* action;
+    QByteArray textKey;  // empty: `fixedText` is shown as is
+    QString fixedText;
+  };
+  void buildCommands();
+  void runCommand(const Command& c);
+  void updateCommandStates();
+  void retranslateCommands();
 
   // project and files (main_window_files.cpp)
   void setSession(std::unique_ptr<ProjectSession> session);
@@ -121,6 +138,7 @@ class MainWindow : public QMainWindow {
   void deleteModel(int index);
   void undo();
   void redo();
+  void renameSelection();
 
   // arrange (main_window_arrange.cpp)
   void align(int axis);
@@ -149,9 +167,10 @@ class MainWindow : public QMainWindow {
   LogPanel* logPanel_ = nullptr;
   FindingsPanel* findings_ = nullptr;
   QHash<QString, QDockWidget*> docks_;
+  std::vector<Command> commands_;
   QHash<QString, QAction*> actions_;
-  QHash<QAction*, QByteArray> actionKeys_;
-  QList<QPair<QMenu*, QByteArray>> menus_;
+  QHash<QString, QMenu*> menus_;
+  QList<QPair<QMenu*, QByteArray>> menuKeys_;
   QMenu* recentMenu_ = nullptr;
   QLabel* zoomLabel_ = nullptr;
   QLabel* statusLabel_ = nullptr;

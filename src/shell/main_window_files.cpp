@@ -28,11 +28,8 @@ void MainWindow::setSession(std::unique_ptr<ProjectSession> session) {
   session_ = std::move(session);
   findings_->clear();
   modelTree_->setSession(session_.get());
-  const bool open = session_ != nullptr;
-  for (const char* name : {"file.save", "file.save_as", "file.close", "file.export.svg", "file.export.pdf",
-                           "file.export.png", "file.export.jpeg", "model.add", "model.rename", "model.delete"})
-    action(QLatin1String(name))->setEnabled(open);
-  if (!open) {
+  updateCommandStates();
+  if (!session_) {
     canvas_->setDocument(nullptr);
     properties_->showElement(nullptr, {});
     updateTitle();
@@ -182,8 +179,7 @@ void MainWindow::updateTitle() {
   }
   setWindowTitle(title);
   setWindowModified(session_ && session_->modified());
-  action(QStringLiteral("edit.undo"))->setEnabled(session_ && bridge::canUndo(session_->document()));
-  action(QStringLiteral("edit.redo"))->setEnabled(session_ && bridge::canRedo(session_->document()));
+  updateCommandStates();
 }
 
 void MainWindow::updateRecentMenu() {
@@ -236,6 +232,11 @@ void MainWindow::redo() {
     logMessage(QString::fromUtf8(e.what()));
   }
   onDocumentEdited();
+}
+
+void MainWindow::renameSelection() {
+  if (canvas_->selectedNodes().size() == 1) canvas_->editLabel(*canvas_->selectedNodes().begin());
+  else if (canvas_->selectedEdges().size() == 1) canvas_->editLabel(*canvas_->selectedEdges().begin());
 }
 
 void MainWindow::addModelDialog() {

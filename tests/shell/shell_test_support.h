@@ -10,11 +10,15 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
+#include <ostream>
 
 #include "shell/canvas_view.h"
 #include "shell/i18n/strings.h"
 #include "shell/main_window.h"
 #include "shell/output_log.h"
+
+/// Failed expectations print QStrings as text.
+inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
 
 namespace modelyne::shell::shelltest {
 
