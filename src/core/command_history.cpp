@@ -14,6 +14,8 @@ void CommandHistory::destroyBottomToTop(std::vector<std::unique_ptr<ICommand>>& 
 void CommandHistory::pushAndExecute(std::unique_ptr<ICommand> cmd, Document& doc) {
   if (!cmd) return;
   cmd->execute(doc);
+  // The saved state was reached by undone commands that go now.
+  if (savedDepth_ != kNoSavedState && savedDepth_ > undo_.size()) savedDepth_ = kNoSavedState;
   undo_.push_back(std::move(cmd));
   destroyBottomToTop(redo_);
 }
@@ -39,6 +41,7 @@ bool CommandHistory::redo(Document& doc) {
 void CommandHistory::clear() {
   destroyBottomToTop(undo_);
   destroyBottomToTop(redo_);
+  savedDepth_ = 0;
 }
 
 }  // namespace modelyne::core

@@ -1,6 +1,6 @@
 #pragma once
 /// ICommand, the undoable change, and CommandHistory, the undo and redo
-/// stacks that every Document owns.
+/// stacks that every Document owns, with the mark of the saved state.
 
 #include <memory>
 #include <vector>
@@ -33,19 +33,28 @@ class CommandHistory {
   bool undo(Document& doc);
   /// False when there is nothing to redo.
   bool redo(Document& doc);
-  /// Destroys every command, undo stack first.
+  /// Destroys every command, undo stack first. The empty history counts as
+  /// saved (a document just loaded is what its file holds).
   void clear();
+
+  /// Marks the present state as the one the file holds.
+  void markSaved() noexcept { savedDepth_ = undo_.size(); }
+  /// Whether the document is in the marked state: as many commands applied
+  /// as when marked, none of them dropped since. The mark dies when a new
+  /// command drops the undone commands it stood on, and never comes back.
+  bool atSavedState() const noexcept { return savedDepth_ == undo_.size(); }
 
   std::size_t undoCount() const noexcept { return undo_.size(); }
   std::size_t redoCount() const noexcept { return redo_.size(); }
-  /// The command that the next undo would take back, or nullptr.
-  const ICommand* top() const noexcept { return undo_.empty() ? nullptr : undo_.back().get(); }
 
  private:
   static void destroyBottomToTop(std::vector<std::unique_ptr<ICommand>>& stack);
 
+  static constexpr std::size_t kNoSavedState = static_cast<std::size_t>(-1);
+
   std::vector<std::unique_ptr<ICommand>> undo_;
   std::vector<std::unique_ptr<ICommand>> redo_;
+  std::size_t savedDepth_ = 0;  // undo depth of the saved state, or kNoSavedState
 };
 
 }  // namespace modelyne::core

@@ -38,10 +38,6 @@ ProjectSession::~ProjectSession() {
   for (ModelDoc& m : models_) bridge::destroyDocument(m.doc);
 }
 
-ProjectSession::SavePoint ProjectSession::savePointOf(bridge::DocumentHandle doc) {
-  return {doc->history().top(), doc->history().undoCount()};
-}
-
 ProjectSession::ModelDoc ProjectSession::makeModel(core::DiagramKind kind) {
   ModelDoc m;
   int n = 1;
@@ -53,7 +49,6 @@ ProjectSession::ModelDoc ProjectSession::makeModel(core::DiagramKind kind) {
   m.model.name = utf8(ui(core::diagramKindMessageKey(kind)));
   m.doc = bridge::createDocument();
   bridge::loadDiagramXml(m.doc, emptyDiagramXml(kind));
-  m.saved = savePointOf(m.doc);
   return m;
 }
 
@@ -95,7 +90,6 @@ std::unique_ptr<ProjectSession> ProjectSession::fromOpened(io::OpenedModelFile o
                                   : model.diagramXml;
       bridge::loadDiagramXml(m.doc, xml);
       s->models_.back().model = std::move(model);
-      s->models_.back().saved = savePointOf(m.doc);
     }
     if (s->models_.empty()) s->models_.push_back(s->makeModel(core::DiagramKind::pkg));
     s->active_ = std::clamp(project.active, 0, static_cast<int>(s->models_.size()) - 1);
@@ -139,7 +133,7 @@ bool ProjectSession::saveAs(const QString& path, QString* error) {
     return false;
   }
   path_ = path;
-  for (ModelDoc& m : models_) m.saved = savePointOf(m.doc);
+  for (ModelDoc& m : models_) m.doc->history().markSaved();
   directEdits_ = false;
   structureChanged_ = false;
   return true;
@@ -147,11 +141,8 @@ bool ProjectSession::saveAs(const QString& path, QString* error) {
 
 bool ProjectSession::modified() const {
   if (directEdits_ || structureChanged_) return true;
-  for (const ModelDoc& m : models_) {
-    const SavePoint now = savePointOf(m.doc);
-    if (now.top != m.saved.top || now.undoCount != m.saved.undoCount) return true;
-  }
-  return false;
+  return std::any_of(models_.begin(), models_.end(),
+                     [](const ModelDoc& m) { return !m.doc->history().atSavedState(); });
 }
 
 void ProjectSession::setActive(int index) {

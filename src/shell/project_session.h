@@ -62,19 +62,13 @@ class ProjectSession {
   bool deleteModel(int index);
 
  private:
-  struct SavePoint {
-    const void* top = nullptr;
-    std::size_t undoCount = 0;
-  };
   struct ModelDoc {
     core::Model model;
     bridge::DocumentHandle doc = nullptr;
-    SavePoint saved;
   };
 
   ProjectSession() = default;
   static std::unique_ptr<ProjectSession> fromOpened(io::OpenedModelFile opened, QString* error);
-  static SavePoint savePointOf(bridge::DocumentHandle doc);
   ModelDoc makeModel(core::DiagramKind kind);
 
   std::string name_;

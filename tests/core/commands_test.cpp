@@ -93,6 +93,42 @@ TEST(Commands, HistoryStacksAndMissingTargets) {
   EXPECT_EQ(d.history().undoCount(), 1u);
 }
 
+// The saved mark is a depth that undo and redo come back to, and that dies
+// for good when a new command drops the undone commands it stood on. The
+// sequence save, then "undo, a different edit" twice, once reused a freed
+// command's address and reported the document as saved.
+TEST(Commands, SavedMarkDiesWithTheCommandsItStandsOn) {
+  Document d;
+  d.addNode(node("a"));
+  EXPECT_TRUE(d.history().atSavedState());  // nothing done yet
+  push<MoveNodeCommand>(d, "a", 1.f, 0.f);
+  EXPECT_FALSE(d.history().atSavedState());
+  d.history().markSaved();
+  EXPECT_TRUE(d.history().atSavedState());
+  d.history().undo(d);
+  EXPECT_FALSE(d.history().atSavedState());
+  d.history().redo(d);
+  EXPECT_TRUE(d.history().atSavedState());
+
+  for (int round = 0; round < 2; ++round) {
+    d.history().undo(d);
+    push<MoveNodeCommand>(d, "a", 0.f, 1.f);  // same class and size as the one dropped
+    EXPECT_FALSE(d.history().atSavedState()) << "round " << round;
+  }
+  // Undo and redo never lead back to a dead mark.
+  d.history().undo(d);
+  EXPECT_FALSE(d.history().atSavedState());
+  d.history().redo(d);
+  EXPECT_FALSE(d.history().atSavedState());
+  // A mark below the top survives new commands on top of it.
+  d.history().markSaved();
+  push<MoveNodeCommand>(d, "a", 1.f, 1.f);
+  d.history().undo(d);
+  EXPECT_TRUE(d.history().atSavedState());
+  d.history().clear();  // what a load does: the loaded state is the saved one
+  EXPECT_TRUE(d.history().atSavedState());
+}
+
 TEST(Commands, ReorderAndResizeRedoRestoreFirstExecution) {
   Document d;
   for (const char* id : {"a", "b", "c"}) d.addNode(node(id));

@@ -34,6 +34,21 @@ TEST(ShellFiles, TitleShowsFileAndModifiedMark) {
   EXPECT_TRUE(e.logged(QStringLiteral("Saved %1.").arg(QDir::toNativeSeparators(path))));
 }
 
+// After saving, "undo, then a different edit" twice leaves unsaved work:
+// the title says so and closing would ask.
+TEST(ShellFiles, SaveThenUndoAndADifferentEditTwiceStaysModified) {
+  Editor e;
+  e.window->newProject(core::DiagramKind::bdd);
+  e.canvas().placeNode(core::ShapeType::sysmlBlock, {100, 100});
+  ASSERT_TRUE(e.window->saveAs(e.data.filePath(QStringLiteral("work.xml"))));
+  for (int round = 0; round < 2; ++round) {
+    e.window->action(QStringLiteral("edit.undo"))->trigger();
+    e.canvas().placeNode(core::ShapeType::sysmlBlock, {300.0 + 200 * round, 100});
+    EXPECT_TRUE(e.window->session()->modified()) << "round " << round;
+    EXPECT_TRUE(e.window->isWindowModified()) << "round " << round;
+  }
+}
+
 TEST(ShellFiles, EveryMessageGoesToTheDailyLogFile) {
   Editor e;
   e.window->logMessage(QStringLiteral("hello from the test"));
