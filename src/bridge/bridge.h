@@ -4,7 +4,8 @@
 /// operation checks its arguments first and throws BridgeError before
 /// touching anything; undoable changes become one command on the document's
 /// history; the four edge edits (anchor offsets, reconnect, text, type) are
-/// applied directly and cannot be undone.
+/// applied directly and cannot be undone, and each has an undoable twin
+/// (`...Undoable`) for editors.
 
 #include <cstdint>
 #include <exception>
@@ -81,6 +82,16 @@ void reconnectEdge(DocumentHandle, std::string_view edgeId, bool sourceEnd, std:
                    core::Anchor port);
 void setEdgeText(DocumentHandle, std::string_view edgeId, std::string_view text);
 void setEdgeType(DocumentHandle, std::string_view edgeId, core::EdgeType type);
+
+// ---- the same edge edits as undoable commands ----
+// Same checks and errors as the direct edits above; one undo step each.
+// They return whether anything changed: an edit that changes nothing
+// pushes nothing.
+bool setEdgeTextUndoable(DocumentHandle, std::string_view edgeId, std::string_view text);
+bool setEdgeTypeUndoable(DocumentHandle, std::string_view edgeId, core::EdgeType type);
+bool setEdgeAnchorOffsetsUndoable(DocumentHandle, std::string_view edgeId, float srcAnchorDY, float tgtAnchorDY);
+bool reconnectEdgeUndoable(DocumentHandle, std::string_view edgeId, bool sourceEnd, std::string_view nodeId,
+                           core::Anchor port);
 
 // ---- selections (ids that name no node are skipped) ----
 /// Axis 0 left, 1 horizontal centre, 2 right, 3 top, 4 vertical middle, 5 bottom.

@@ -204,6 +204,51 @@ TEST(Bridge, DirectEdgeEditsAreNotUndoable) {
   EXPECT_EQ(bridge::findEdge(doc.get(), e)->text, "");
 }
 
+// The undoable twins: same checks, one step each, nothing pushed for no change,
+// and undo restores exactly what was there (also an unset offset).
+TEST(Bridge, UndoableEdgeEditsAreOneStepEach) {
+  auto doc = newDoc();
+  for (const char* id : {"a", "b", "c"}) bridge::addNode(doc.get(), S::rect, 0, 0, 1, 1, std::nullopt, id);
+  const std::string e = bridge::addEdge(doc.get(), "a", core::Anchor::right, "b", core::Anchor::left);
+  const std::string created = bridge::saveDiagramXml(doc.get());
+  const std::size_t base = doc->history().undoCount();
+
+  EXPECT_TRUE(bridge::setEdgeTextUndoable(doc.get(), e, "flows"));
+  EXPECT_FALSE(bridge::setEdgeTextUndoable(doc.get(), e, "flows"));
+  EXPECT_TRUE(bridge::setEdgeTypeUndoable(doc.get(), e, core::EdgeType::composition));
+  EXPECT_TRUE(bridge::setEdgeAnchorOffsetsUndoable(doc.get(), e, 5, 7));
+  EXPECT_TRUE(bridge::reconnectEdgeUndoable(doc.get(), e, false, "c", static_cast<core::Anchor>(-1)));
+  EXPECT_FALSE(bridge::reconnectEdgeUndoable(doc.get(), e, false, "c", core::Anchor::right));
+  EXPECT_EQ(doc->history().undoCount(), base + 4);
+  core::Edge edge = *bridge::findEdge(doc.get(), e);
+  EXPECT_EQ(edge.text, "flows");
+  EXPECT_EQ(edge.type, core::EdgeType::composition);
+  EXPECT_EQ(edge.target, "c");
+  EXPECT_EQ(edge.targetPort, core::Anchor::right);
+  EXPECT_EQ(edge.srcAnchorDY, 5.0f);
+  EXPECT_TRUE(std::isnan(edge.tgtAnchorDY));
+
+  bridge::undo(doc.get());  // the reconnect: target, port and offset come back
+  edge = *bridge::findEdge(doc.get(), e);
+  EXPECT_EQ(edge.target, "b");
+  EXPECT_EQ(edge.targetPort, core::Anchor::left);
+  EXPECT_EQ(edge.tgtAnchorDY, 7.0f);
+  bridge::undo(doc.get());
+  bridge::undo(doc.get());
+  bridge::undo(doc.get());
+  EXPECT_EQ(bridge::saveDiagramXml(doc.get()), created);
+  for (int i = 0; i < 4; ++i) bridge::redo(doc.get());
+  EXPECT_EQ(bridge::findEdge(doc.get(), e)->target, "c");
+  EXPECT_EQ(bridge::findEdge(doc.get(), e)->text, "flows");
+
+  expectError(doc.get(), 4, "Edge not found", [&] { bridge::setEdgeTextUndoable(doc.get(), "zz", "x"); });
+  expectError(doc.get(), 4, "Edge not found", [&] { bridge::setEdgeTypeUndoable(doc.get(), "zz", core::EdgeType::elbow); });
+  expectError(doc.get(), 4, "Edge not found", [&] { bridge::setEdgeAnchorOffsetsUndoable(doc.get(), "zz", 1, 1); });
+  expectError(doc.get(), 4, "Endpoint node not found",
+              [&] { bridge::reconnectEdgeUndoable(doc.get(), e, true, "zz", core::Anchor::top); });
+  expectError(doc.get(), 1, "Document handle is null", [&] { bridge::setEdgeTextUndoable(nullptr, e, "x"); });
+}
+
 TEST(Bridge, UndoRedoReportEmptyStacks) {
   auto doc = newDoc();
   expectError(doc.get(), 8, "Nothing to undo", [&] { bridge::undo(doc.get()); });
