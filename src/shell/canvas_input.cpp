@@ -1,5 +1,6 @@
 // Mouse and keyboard gestures of the canvas. A gesture previews in the
 // overlay while it runs and changes the document once, when it ends.
+#include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QGuiApplication>
 #include <QDropEvent>
@@ -12,6 +13,7 @@
 
 #include "export/orthogonal_route.h"
 #include "shell/canvas_view.h"
+#include "shell/command_table.h"
 #include "shell/i18n/strings.h"
 #include "shell/palette_panel.h"
 
@@ -329,9 +331,8 @@ void CanvasView::finishGesture(QPointF s) {
         if (target < 0) break;
         const core::Node& tn = doc_->nodes()[static_cast<std::size_t>(target)];
         const core::Anchor a = anchorAt(target, s).value_or(nearestSide(tn.geom, s));
-        bridge::reconnectEdge(doc_, gestureEdge_.toStdString(), gestureSourceEnd_, tn.id, a);
-        emit directEdit();
-        emitEdited();
+        if (bridge::reconnectEdgeUndoable(doc_, gestureEdge_.toStdString(), gestureSourceEnd_, tn.id, a))
+          emitEdited();
         break;
       }
       case Gesture::pan:
@@ -355,6 +356,27 @@ void CanvasView::mouseDoubleClickEvent(QMouseEvent* ev) {
   } else if (const int edge = index_.edgeAt(*doc_, s, 5.0 / zoom_); edge >= 0) {
     editLabel(QString::fromStdString(doc_->edges()[static_cast<std::size_t>(edge)].id));
   }
+}
+
+void CanvasView::contextMenuEvent(QContextMenuEvent* ev) {
+  if (!doc_) return;
+  if (labelEditor_) commitLabelEdit();
+  gesture_ = Gesture::none;
+  const QPointF s = mapToScene(ev->pos());
+  // The menu acts on what was clicked: it joins the selection first.
+  unsigned place = kOnCanvas;
+  if (const int node = index_.nodeAt(s, 2.0 / zoom_); node >= 0) {
+    if (!selNodes_.contains(nodeIdAt(node))) selectAt(s, {});
+    place = kOnNode;
+  } else if (const int edge = index_.edgeAt(*doc_, s, 5.0 / zoom_); edge >= 0) {
+    const QString id = QString::fromStdString(doc_->edges()[static_cast<std::size_t>(edge)].id);
+    if (!selEdges_.contains(id)) setSelection({}, {id});
+    place = selNodes_.isEmpty() ? kOnEdge : kOnNode;
+  } else {
+    clearSelection();
+  }
+  emit contextMenuRequested(place, ev->globalPos());
+  ev->accept();
 }
 
 void CanvasView::wheelEvent(QWheelEvent* ev) {

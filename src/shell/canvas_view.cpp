@@ -15,11 +15,14 @@
 #include "shell/clipboard_codec.h"
 #include "shell/i18n/strings.h"
 #include "shell/shape_defaults.h"
+#include "shell/text_guard.h"
 
 namespace modelyne::shell {
 namespace {
 
 constexpr double kMinZoom = 0.02;
+// Fitting may go further out than zooming by hand: all content is in view.
+constexpr double kMinFitZoom = 1e-4;
 constexpr double kMaxZoom = 8.0;
 constexpr double kZoomStep = 1.25;
 
@@ -107,7 +110,7 @@ void CanvasView::zoomActualSize() { setZoom(1.0); }
 void CanvasView::fitTo(const QRectF& area) {
   if (area.isEmpty() || width() <= 0 || height() <= 0) return;
   const QRectF a = area.adjusted(-24, -24, 24, 24);
-  zoom_ = std::clamp(std::min(width() / a.width(), height() / a.height()), kMinZoom, kMaxZoom);
+  zoom_ = std::clamp(std::min(width() / a.width(), height() / a.height()), kMinFitZoom, kMaxZoom);
   origin_ = a.center() - QPointF(width() / 2.0, height() / 2.0) / zoom_;
   invalidateContent();
   emit zoomChanged(zoom_);
@@ -134,7 +137,24 @@ void CanvasView::setGridVisible(bool on) {
   invalidateContent();
 }
 
-void CanvasView::resizeEvent(QResizeEvent*) { contentValid_ = false; }
+void CanvasView::fitToContentWhenShown() {
+  fitPending_ = !isVisible();
+  fitToContent();
+}
+
+void CanvasView::showEvent(QShowEvent*) {
+  if (!fitPending_) return;
+  fitPending_ = false;
+  fitToContent();
+}
+
+void CanvasView::resizeEvent(QResizeEvent*) {
+  contentValid_ = false;
+  if (fitPending_ && isVisible()) {
+    fitPending_ = false;
+    fitToContent();
+  }
+}
 
 // ---- selection ----
 
@@ -280,6 +300,16 @@ void CanvasView::paste() {
   try {
     auto [nodes, edges] = decodeSelection(data.toStdString(), offset, offset);
     if (nodes.empty()) return;
+    // Pasted text from elsewhere may carry characters XML cannot hold.
+    auto clean = [](std::string& s) {
+      const QString text = QString::fromStdString(s);
+      if (hasControlCharacters(text)) s = withoutControlCharacters(text).toStdString();
+    };
+    for (core::Node& n : nodes) {
+      clean(n.text);
+      for (auto& [k, v] : n.properties) clean(v);
+    }
+    for (core::Edge& e : edges) clean(e.text);
     const bridge::InsertResult r = bridge::insertElements(doc_, std::move(nodes), std::move(edges));
     QSet<QString> n, e;
     for (const auto& id : r.nodeIds) n.insert(QString::fromStdString(id));
@@ -330,6 +360,7 @@ void CanvasView::editLabel(const QString& id) {
   labelTarget_ = id;
   auto* editor = new QPlainTextEdit(this);
   editor->setObjectName(QStringLiteral("labelEditor"));
+  keepControlCharactersOut(editor);
   editor->setPlainText(text);
   editor->selectAll();
   editor->setGeometry(box.toAlignedRect().adjusted(0, 0, 0, 0).united(QRect(box.toAlignedRect().topLeft(), QSize(120, 28))));
@@ -343,18 +374,13 @@ void CanvasView::editLabel(const QString& id) {
 void CanvasView::commitLabelEdit() {
   auto* editor = qobject_cast<QPlainTextEdit*>(labelEditor_.data());
   if (!editor || !doc_) return;
-  const std::string text = editor->toPlainText().toStdString();
+  const std::string text = withoutControlCharacters(editor->toPlainText()).toStdString();
   const std::string id = labelTarget_.toStdString();
   labelEditor_ = nullptr;
   editor->deleteLater();
   try {
     if (labelTargetIsEdge_) {
-      const core::Edge* e = doc_->findEdge(id);
-      if (e && e->text != text) {
-        bridge::setEdgeText(doc_, id, text);
-        emit directEdit();
-        emitEdited();
-      }
+      if (doc_->findEdge(id) && bridge::setEdgeTextUndoable(doc_, id, text)) emitEdited();
     } else {
       const core::Node* n = doc_->findNode(id);
       if (n && n->text != text) {

@@ -44,6 +44,9 @@ class CanvasView : public QWidget {
   void zoomActualSize();
   /// Fits the content (or `area` in diagram units) into the view.
   void fitToContent();
+  /// Fits the content once the view is shown at its size (now, if it is):
+  /// a view hidden behind the start page has no size of its own yet.
+  void fitToContentWhenShown();
   void fitTo(const QRectF& area);
   /// Centres the view on a diagram point.
   void centreOn(QPointF scenePos);
@@ -88,6 +91,8 @@ class CanvasView : public QWidget {
   void duplicateSelection();
   /// Starts in-place editing of a node's label (or an edge's).
   void editLabel(const QString& id);
+  /// Commits the label being edited in place, if any.
+  void finishLabelEdit() { commitLabelEdit(); }
 
   /// Renders the whole content area once with the current view into an
   /// image of the widget's size (used by benchmarks and screenshots).
@@ -96,17 +101,19 @@ class CanvasView : public QWidget {
  signals:
   /// The document changed through the canvas.
   void edited();
-  /// A direct (not undoable) edge edit happened.
-  void directEdit();
   void selectionChanged();
   void zoomChanged(double zoom);
   void message(const QString& text);
   /// A node was placed with the armed tool; the tool is disarmed.
   void placementDone();
+  /// The user asked for the menu of what is under the pointer (CommandPlace).
+  void contextMenuRequested(unsigned place, const QPoint& globalPos);
 
  protected:
   void paintEvent(QPaintEvent*) override;
   void resizeEvent(QResizeEvent*) override;
+  void showEvent(QShowEvent*) override;
+  void contextMenuEvent(QContextMenuEvent*) override;
   void mousePressEvent(QMouseEvent*) override;
   void mouseMoveEvent(QMouseEvent*) override;
   void mouseReleaseEvent(QMouseEvent*) override;
@@ -150,6 +157,7 @@ class CanvasView : public QWidget {
   double zoom_ = 1.0;
   QPointF origin_{-40, -40};  // diagram point shown at the widget's top-left
   bool gridVisible_ = true;
+  bool fitPending_ = false;
   bool snap_ = true;
 
   QSet<QString> selNodes_;

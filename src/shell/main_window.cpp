@@ -52,7 +52,6 @@ MainWindow::MainWindow(const QString& dataFolder, QWidget* parent) : QMainWindow
   statusBar()->addPermanentWidget(zoomLabel_);
 
   connect(canvas_, &CanvasView::edited, this, &MainWindow::onDocumentEdited);
-  connect(canvas_, &CanvasView::directEdit, this, &MainWindow::onDirectEdit);
   connect(canvas_, &CanvasView::selectionChanged, this, &MainWindow::onSelectionChanged);
   connect(canvas_, &CanvasView::message, this, &MainWindow::logMessage);
   connect(canvas_, &CanvasView::zoomChanged, this,
@@ -65,10 +64,14 @@ MainWindow::MainWindow(const QString& dataFolder, QWidget* parent) : QMainWindow
   });
   connect(palette_, &PalettePanel::edgeTypeChanged, this, [this](core::EdgeType t) { canvas_->setEdgeType(t); });
   connect(properties_, &PropertyPanel::edited, this, &MainWindow::onDocumentEdited);
-  connect(properties_, &PropertyPanel::directEdit, this, &MainWindow::onDirectEdit);
   connect(properties_, &PropertyPanel::message, this, &MainWindow::logMessage);
   connect(modelTree_, &ModelTree::modelActivated, this, &MainWindow::activateModel);
   connect(modelTree_, &ModelTree::nodeSelected, this, [this](const QString& id) { canvas_->reveal(id); });
+  connect(modelTree_, &ModelTree::elementMenuRequested, this, [this](const QString& id, const QPoint& at) {
+    canvas_->reveal(id);
+    showContextMenu(kOnNode, at);
+  });
+  connect(canvas_, &CanvasView::contextMenuRequested, this, &MainWindow::showContextMenu);
   connect(modelTree_, &ModelTree::addModelRequested, this, &MainWindow::addModelDialog);
   connect(modelTree_, &ModelTree::renameModelRequested, this, &MainWindow::renameModel);
   connect(modelTree_, &ModelTree::deleteModelRequested, this, &MainWindow::deleteModel);
@@ -136,7 +139,7 @@ void MainWindow::retranslate() {
       {"log", "ui.dock.log"}, {"findings", "ui.dock.findings"}};
   for (const auto& [name, key] : dockKeys) docks_.value(QLatin1String(name))->setWindowTitle(ui(key));
   palette_->retranslate();
-  properties_->refresh();
+  properties_->retranslate();
   startPage_->retranslate();
   modelTree_->setSession(session_.get());
   updateRecentMenu();
@@ -158,6 +161,12 @@ void MainWindow::hideStartPage() {
 
 void MainWindow::logMessage(const QString& text) { log_->log(text); }
 
+void MainWindow::commitPendingEdits() {
+  if (!session_) return;
+  canvas_->finishLabelEdit();
+  properties_->commitPending();
+}
+
 void MainWindow::applyLanguage(const QString& code) {
   i18n::setLanguage(code);
   settings::setLanguage(code);
@@ -175,6 +184,7 @@ void MainWindow::applyThemeKey(const QString& key) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* ev) {
+  commitPendingEdits();
   if (!maybeSave()) {
     ev->ignore();
     return;

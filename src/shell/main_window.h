@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QMainWindow>
 #include <QPointer>
+#include <QSet>
 #include <memory>
 #include <optional>
 #include <span>
@@ -129,7 +130,8 @@ class MainWindow : public QMainWindow {
   void updateTitle();
   void updateRecentMenu();
   void onDocumentEdited();
-  void onDirectEdit();
+  /// Commits typed input not yet committed (property fields, label editor).
+  void commitPendingEdits();
   void onSelectionChanged();
   void openDialog();
   void saveAsDialog();
@@ -139,6 +141,12 @@ class MainWindow : public QMainWindow {
   void undo();
   void redo();
   void renameSelection();
+  void findDialog();
+  void reveal(const QString& id);
+  void showProperties();
+  void showShortcuts();
+  void showAbout();
+  void showContextMenu(unsigned place, const QPoint& globalPos);
 
   // arrange (main_window_arrange.cpp)
   void align(int axis);
@@ -149,6 +157,9 @@ class MainWindow : public QMainWindow {
   void reorder(int which);
 
   // tools (main_window_tools.cpp)
+  /// Validates and lists only the findings that name a selected element.
+  void validateSelection();
+  void showFindings(const QSet<QString>* only);
   void exportDialog(const QString& format);
   void aiGenerateDialog();
   void reviewDialog();

@@ -116,8 +116,12 @@ std::span<const CommandSpec> MainWindow::commandTable() {
        .places = kOnNode | kOnEdge, .run = [](W& w, int) { w.canvas_->deleteSelection(); }, .enabled = hasProject},
       {.id = "edit.select_all", .textKey = "ui.menu.edit.select_all", .shortcuts = "Ctrl+A", .menu = "edit",
        .group = 2, .places = kOnCanvas, .run = [](W& w, int) { w.canvas_->selectAll(); }, .enabled = hasProject},
+      {.id = "edit.find", .textKey = "ui.menu.edit.find", .shortcuts = "Ctrl+F", .menu = "edit", .group = 2,
+       .run = [](W& w, int) { w.findDialog(); }, .enabled = hasProject},
       {.id = "edit.rename", .textKey = "ui.menu.edit.rename", .shortcuts = "F2", .menu = "edit", .group = 2,
        .places = kOnNode | kOnEdge, .run = [](W& w, int) { w.renameSelection(); }, .enabled = hasProject},
+      {.id = "edit.properties", .textKey = "ui.menu.edit.properties", .shortcuts = "Alt+Return", .menu = "edit",
+       .group = 3, .places = kOnNode | kOnEdge, .run = [](W& w, int) { w.showProperties(); }},
 
       // ---- View ----
       {.id = "view", .textKey = "ui.menu.view", .isMenu = true},
@@ -193,6 +197,8 @@ std::span<const CommandSpec> MainWindow::commandTable() {
       {.id = "tools", .textKey = "ui.menu.tools", .isMenu = true},
       {.id = "tools.validate", .textKey = "ui.menu.tools.validate", .shortcuts = "F7", .menu = "tools",
        .places = kToolbar | kOnCanvas, .run = [](W& w, int) { w.validate(); }},
+      {.id = "tools.validate_selection", .textKey = "ui.menu.tools.validate_selection", .menu = "tools",
+       .places = kOnNode | kOnEdge, .run = [](W& w, int) { w.validateSelection(); }},
       {.id = "tools.assessment", .textKey = "ui.menu.tools.assessment", .shortcuts = "Shift+F7", .menu = "tools",
        .run = [](W& w, int) { w.showAssessment(); }},
       {.id = "tools.explain", .textKey = "ui.menu.tools.explain", .shortcuts = "F8", .menu = "tools",
@@ -225,8 +231,10 @@ std::span<const CommandSpec> MainWindow::commandTable() {
 
       // ---- Help ----
       {.id = "help", .textKey = "ui.menu.help", .isMenu = true},
-      {.id = "help.about", .textKey = "ui.menu.help.about", .menu = "help",
-       .run = [](W& w, int) { w.logMessage(ui("ui.msg.about")); }},
+      {.id = "help.shortcuts", .textKey = "ui.menu.help.shortcuts", .shortcuts = "F1", .menu = "help",
+       .run = [](W& w, int) { w.showShortcuts(); }},
+      {.id = "help.about", .textKey = "ui.menu.help.about", .menu = "help", .group = 1,
+       .run = [](W& w, int) { w.showAbout(); }},
   };
   return kRows;
 }
@@ -299,6 +307,7 @@ void MainWindow::buildCommands() {
 }
 
 void MainWindow::runCommand(const Command& c) {
+  commitPendingEdits();  // what is typed counts before anything else happens
   if (c.spec->enabled && !c.spec->enabled(*this)) return;
   c.spec->run(*this, c.member);
   updateCommandStates();

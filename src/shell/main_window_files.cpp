@@ -1,6 +1,7 @@
 // The open project: new, open, save, models, undo and redo, and keeping
 // the panels and the title in step with the document.
 #include <QApplication>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -8,7 +9,11 @@
 #include <QMessageBox>
 
 #include "shell/autosave.h"
+#include "shell/busy_indicator.h"
+#include "shell/command_table.h"
 #include "shell/canvas_view.h"
+#include "shell/dialogs/report_dialog.h"
+#include "shell/find_dialog.h"
 #include "shell/findings_panel.h"
 #include "shell/i18n/strings.h"
 #include "shell/main_window.h"
@@ -23,6 +28,9 @@
 namespace modelyne::shell {
 
 void MainWindow::setSession(std::unique_ptr<ProjectSession> session) {
+  // The panels hold handles into the documents about to go.
+  commitPendingEdits();
+  properties_->showElement(nullptr, {});
   if (session_) autosave_->discard(*session_);
   review_->clear();
   session_ = std::move(session);
@@ -36,8 +44,7 @@ void MainWindow::setSession(std::unique_ptr<ProjectSession> session) {
     return;
   }
   activateModel(session_->activeIndex());
-  canvas_->fitToContent();
-  if (canvas_->zoom() > 1.0) canvas_->zoomActualSize();
+  canvas_->fitToContentWhenShown();
 }
 
 void MainWindow::activateModel(int index) {
@@ -65,7 +72,11 @@ bool MainWindow::newProject(core::DiagramKind kind) {
 bool MainWindow::openFile(const QString& path) {
   if (!maybeSave()) return false;
   QString error;
-  auto s = ProjectSession::open(path, &error);
+  std::unique_ptr<ProjectSession> s;
+  {
+    BusyIndicator busy(this, ui("ui.log.opening").arg(QDir::toNativeSeparators(path)));
+    s = ProjectSession::open(path, &error);
+  }
   if (!s) {
     logMessage(ui("ui.msg.open_failed").arg(QDir::toNativeSeparators(path), error));
     if (!QFileInfo::exists(path)) settings::removeRecentFile(path);
@@ -200,17 +211,15 @@ void MainWindow::onDocumentEdited() {
   updateTitle();
 }
 
-void MainWindow::onDirectEdit() {
-  if (session_) session_->markDirectEdit();
-  onDocumentEdited();
-}
-
 void MainWindow::onSelectionChanged() {
   if (!session_) return;
   QString id;
   if (canvas_->selectedNodes().size() == 1 && canvas_->selectedEdges().isEmpty()) id = *canvas_->selectedNodes().begin();
   else if (canvas_->selectedEdges().size() == 1 && canvas_->selectedNodes().isEmpty()) id = *canvas_->selectedEdges().begin();
-  if (id != properties_->elementId()) properties_->showElement(session_->document(), id);
+  if (id != properties_->elementId()) {
+    properties_->commitPending();
+    properties_->showElement(session_->document(), id);
+  }
   modelTree_->showSelection(id);
 }
 
@@ -237,6 +246,51 @@ void MainWindow::redo() {
 void MainWindow::renameSelection() {
   if (canvas_->selectedNodes().size() == 1) canvas_->editLabel(*canvas_->selectedNodes().begin());
   else if (canvas_->selectedEdges().size() == 1) canvas_->editLabel(*canvas_->selectedEdges().begin());
+}
+
+void MainWindow::findDialog() {
+  if (!session_) return;
+  auto* dlg = new FindDialog(*session_->document(), this);
+  dlg->setAttribute(Qt::WA_DeleteOnClose);
+  connect(dlg, &FindDialog::revealRequested, this, &MainWindow::reveal);
+  dlg->open();
+}
+
+void MainWindow::reveal(const QString& id) {
+  hideStartPage();
+  canvas_->reveal(id);
+  modelTree_->showSelection(id);
+  canvas_->setFocus();
+}
+
+void MainWindow::showProperties() {
+  QDockWidget* dock = docks_.value(QStringLiteral("properties"));
+  dock->show();
+  dock->raise();
+  properties_->focusFirstField();
+}
+
+void MainWindow::showShortcuts() {
+  QString text;
+  for (const Command& c : commands_) {
+    const QString keys = shortcutText(c.action);
+    if (!keys.isEmpty()) text += QStringLiteral("%1\t%2\n").arg(withoutMnemonic(c.action->text()), -36).arg(keys);
+  }
+  auto* dlg = new ReportDialog(withoutMnemonic(ui("ui.menu.help.shortcuts")), text, this);
+  dlg->setObjectName(QStringLiteral("shortcutsDialog"));
+  dlg->setAttribute(Qt::WA_DeleteOnClose);
+  if (interactive_) dlg->open();
+  else dlg->show();
+}
+
+void MainWindow::showAbout() {
+  if (interactive_) QMessageBox::about(this, withoutMnemonic(ui("ui.menu.help.about")), ui("ui.msg.about"));
+  else logMessage(ui("ui.msg.about"));
+}
+
+void MainWindow::showContextMenu(unsigned place, const QPoint& globalPos) {
+  updateCommandStates();
+  contextMenu(place)->popup(globalPos);
 }
 
 void MainWindow::addModelDialog() {
@@ -278,6 +332,8 @@ void MainWindow::deleteModel(int index) {
   if (interactive_ && QMessageBox::question(this, ui("ui.menu.model.delete"), ui("ui.dlg.model.delete_confirm").arg(name)) !=
                           QMessageBox::Yes)
     return;
+  commitPendingEdits();
+  properties_->showElement(nullptr, {});  // it may show the model that goes
   session_->deleteModel(index);
   activateModel(session_->activeIndex());
   logMessage(ui("ui.log.model_deleted").arg(name));

@@ -34,7 +34,16 @@ QString native(const QString& path) { return QDir::toNativeSeparators(path); }
 
 }  // namespace
 
-void MainWindow::validate() {
+void MainWindow::validate() { showFindings(nullptr); }
+
+void MainWindow::validateSelection() {
+  QSet<QString> only = canvas_->selectedNodes();
+  only.unite(canvas_->selectedEdges());
+  if (only.isEmpty()) validate();
+  else showFindings(&only);
+}
+
+void MainWindow::showFindings(const QSet<QString>* only) {
   if (!session_) {
     logMessage(ui("ui.msg.no_document"));
     return;
@@ -48,11 +57,14 @@ void MainWindow::validate() {
     error = ui("ui.msg.validate_stopped").arg(QString::fromUtf8(e.what()));
   }
   QStringList findings;
-  for (const std::string& f : found) findings << QString::fromStdString(f);
+  for (const std::string& f : found) {
+    const QString text = QString::fromStdString(f);
+    if (!only || only->contains(FindingsPanel::elementOf(text, *session_->document()))) findings << text;
+  }
   findings_->showFindings(findings, session_->document(), error);
   docks_.value(QStringLiteral("findings"))->show();
   docks_.value(QStringLiteral("findings"))->raise();
-  logMessage(ui("ui.log.validated").arg(findings.size()));
+  logMessage(ui(only ? "ui.log.validated_selection" : "ui.log.validated").arg(findings.size()));
   if (!error.isEmpty()) logMessage(error);
 }
 

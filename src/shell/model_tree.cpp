@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "shell/command_table.h"
 #include "shell/i18n/strings.h"
 #include "shell/project_session.h"
 
@@ -99,15 +100,22 @@ void ModelTree::showSelection(const QString& nodeId) {
 
 void ModelTree::contextMenu(const QPoint& pos) {
   QTreeWidgetItem* item = tree_->itemAt(pos);
-  const int model = item && item->data(0, kModelRole).isValid() ? item->data(0, kModelRole).toInt() : -1;
-  QMenu menu(this);
-  menu.addAction(ui("ui.menu.model.add"), this, [this] { emit addModelRequested(); });
-  if (model >= 0) {
-    menu.addAction(ui("ui.menu.model.open"), this, [this, model] { emit modelActivated(model); });
-    menu.addAction(ui("ui.menu.model.rename"), this, [this, model] { emit renameModelRequested(model); });
-    menu.addAction(ui("ui.menu.model.delete"), this, [this, model] { emit deleteModelRequested(model); });
+  const QPoint global = tree_->viewport()->mapToGlobal(pos);
+  if (item && item->data(0, kNodeRole).isValid()) {
+    emit elementMenuRequested(item->data(0, kNodeRole).toString(), global);
+    return;
   }
-  menu.exec(tree_->viewport()->mapToGlobal(pos));
+  if (item && item->parent()) return;  // a group of one shape type: nothing acts on it
+  const int model = item && item->data(0, kModelRole).isValid() ? item->data(0, kModelRole).toInt() : -1;
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  menu->addAction(withoutMnemonic(ui("ui.menu.model.add")), this, [this] { emit addModelRequested(); });
+  if (model >= 0) {
+    menu->addAction(withoutMnemonic(ui("ui.menu.model.open")), this, [this, model] { emit modelActivated(model); });
+    menu->addAction(withoutMnemonic(ui("ui.menu.model.rename")), this, [this, model] { emit renameModelRequested(model); });
+    menu->addAction(withoutMnemonic(ui("ui.menu.model.delete")), this, [this, model] { emit deleteModelRequested(model); });
+  }
+  menu->popup(global);
 }
 
 }  // namespace modelyne::shell

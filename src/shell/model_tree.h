@@ -1,7 +1,9 @@
 #pragma once
 /// ModelTree: the project's models (the active one open, with its nodes
 /// grouped by shape type) and the actions on models: add, rename, delete.
-/// Selecting a node here selects it on the canvas.
+/// Selecting a node here selects it on the canvas. Each row's menu offers
+/// what fits it: a model's row the model actions, an element's row the
+/// element commands (as on the canvas), empty space adding a model.
 
 #include <QString>
 #include <QWidget>
@@ -32,6 +34,8 @@ class ModelTree : public QWidget {
   void addModelRequested();
   void renameModelRequested(int index);
   void deleteModelRequested(int index);
+  /// A row naming an element was right-clicked.
+  void elementMenuRequested(const QString& nodeId, const QPoint& globalPos);
 
  private:
   void rebuild();

@@ -1,10 +1,12 @@
 // Drawing and editing as a user does it: palette, canvas gestures, property
 // panel, arrange commands, undo and redo, save and reopen.
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
 
@@ -128,8 +130,9 @@ TEST(ShellEditing, InvalidPropertyValueIsRefusedWithItsMessage) {
 
   // A valid one goes through as one step.
   field = e.window->properties()->findChild<QLineEdit*>(QStringLiteral("prop_multiplicity"));
-  field->setText(QStringLiteral("[0..*]"));
-  emit field->editingFinished();
+  field->selectAll();
+  QTest::keyClicks(field, QStringLiteral("[0..*]"));
+  QTest::keyClick(field, Qt::Key_Return);
   EXPECT_EQ(node(e, port).properties.at("multiplicity"), "[0..*]");
   EXPECT_EQ(e.undoCount(), before + 1);
 }
@@ -227,4 +230,129 @@ TEST(ShellEditing, ModelsAddAndTheLastOneCannotBeDeleted) {
   EXPECT_EQ(e.canvas().selectedNodes().size(), 1);
   e.window->action(QStringLiteral("model.delete"))->trigger();
   EXPECT_EQ(e.window->session()->modelCount(), 1);
+}
+
+// Type into one field, click straight into the next and type: both land,
+// each as one step. Input not yet committed is committed before a command.
+TEST(ShellEditing, TypedPropertyInputIsNeverDropped) {
+  Editor e;
+  e.window->newProject(core::DiagramKind::stm);
+  const std::string s = e.canvas().placeNode(core::ShapeType::umlState, {100, 100});
+  e.window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(e.window.get()));
+  auto field = [&](const char* key) {
+    return e.window->properties()->findChild<QLineEdit*>(QStringLiteral("prop_") + QLatin1String(key));
+  };
+  const std::size_t before = e.undoCount();
+  QTest::mouseClick(field("entry"), Qt::LeftButton);
+  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("open valve"));
+  QTest::mouseClick(field("exit"), Qt::LeftButton);
+  QTest::qWait(20);  // the panel catches up with the first commit before the next key
+  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("close valve"));
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+  EXPECT_EQ(node(e, s).properties.at("entry"), "open valve");
+  EXPECT_EQ(node(e, s).properties.at("exit"), "close valve");
+  EXPECT_EQ(e.undoCount(), before + 2);
+
+  QTest::mouseClick(field("doActivity"), Qt::LeftButton);
+  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("pump"));
+  e.window->action(QStringLiteral("tools.validate"))->trigger();
+  EXPECT_EQ(node(e, s).properties.at("doActivity"), "pump");
+  EXPECT_EQ(e.undoCount(), before + 3);
+}
+
+// Every edge edit a user makes is one undo step, taken back in order.
+TEST(ShellEditing, EdgeEditsAreOneUndoStepEach) {
+  Editor e;
+  e.window->newProject(core::DiagramKind::bdd);
+  e.canvas().zoomActualSize();
+  e.canvas().centreOn({300, 200});
+  const std::string a = e.canvas().placeNode(core::ShapeType::sysmlBlock, {150, 150});
+  const std::string b = e.canvas().placeNode(core::ShapeType::sysmlBlock, {450, 150});
+  const std::string c = e.canvas().placeNode(core::ShapeType::sysmlBlock, {450, 350});
+  const std::string id = bridge::addEdge(e.doc(), a, core::Anchor::right, b, core::Anchor::left);
+  e.canvas().documentChanged();
+  e.canvas().setSelection({}, {QString::fromStdString(id)});
+  const std::size_t base = e.undoCount();
+  const core::Edge original = *e.doc()->findEdge(id);
+
+  auto* type = e.window->properties()->findChild<QComboBox*>(QStringLiteral("prop_edgeType"));
+  ASSERT_NE(type, nullptr);
+  type->setCurrentIndex(type->findData(static_cast<int>(core::EdgeType::composition)));
+  emit type->activated(type->currentIndex());
+  QTest::qWait(1);
+  auto* label = e.window->properties()->findChild<QLineEdit*>(QStringLiteral("prop_label"));
+  label->setFocus();
+  QTest::keyClicks(label, QStringLiteral("drives"));
+  QTest::keyClick(label, Qt::Key_Return);
+  e.canvas().editLabel(QString::fromStdString(id));
+  auto* editor = e.canvas().findChild<QPlainTextEdit*>(QStringLiteral("labelEditor"));
+  ASSERT_NE(editor, nullptr);
+  QTest::keyClicks(editor, QStringLiteral("powers"));
+  QTest::keyClick(editor, Qt::Key_Return);
+  QTest::qWait(1);
+  auto* port = e.window->properties()->findChild<QComboBox*>(QStringLiteral("prop_targetPort"));
+  port->setCurrentIndex(port->findData(static_cast<int>(core::Anchor::top)));
+  emit port->activated(port->currentIndex());
+  // Drag the target end from b onto c.
+  e.canvas().setSelection({}, {QString::fromStdString(id)});
+  const core::NodeGeometry gb = node(e, b).geom;
+  const core::NodeGeometry gc = node(e, c).geom;
+  e.drag({gb.x + gb.w / 2, gb.y}, {gc.x + gc.w / 2, gc.y + 5});
+  EXPECT_EQ(e.doc()->findEdge(id)->target, c);
+  EXPECT_EQ(e.undoCount(), base + 5);
+  EXPECT_EQ(e.doc()->findEdge(id)->text, "powers");
+  EXPECT_EQ(e.doc()->findEdge(id)->type, core::EdgeType::composition);
+
+  auto undo = [&] { e.window->action(QStringLiteral("edit.undo"))->trigger(); };
+  undo();
+  EXPECT_EQ(e.doc()->findEdge(id)->target, b);
+  EXPECT_EQ(e.doc()->findEdge(id)->targetPort, core::Anchor::top);
+  undo();
+  EXPECT_EQ(e.doc()->findEdge(id)->targetPort, core::Anchor::left);
+  undo();
+  EXPECT_EQ(e.doc()->findEdge(id)->text, "drives");
+  undo();
+  EXPECT_EQ(e.doc()->findEdge(id)->text, "");
+  EXPECT_EQ(e.doc()->findEdge(id)->type, core::EdgeType::composition);
+  undo();
+  EXPECT_EQ(e.doc()->findEdge(id)->type, original.type);
+  EXPECT_EQ(e.undoCount(), base);
+}
+
+// Control characters other than line feed and tab never get into labels or
+// properties, typed or pasted: the model file and the SVG could not hold them.
+TEST(ShellEditing, ControlCharactersStayOutOfLabelsAndProperties) {
+  Editor e;
+  e.window->newProject(core::DiagramKind::stm);
+  const std::string s = e.canvas().placeNode(core::ShapeType::umlState, {100, 100});
+  auto* entry = e.window->properties()->findChild<QLineEdit*>(QStringLiteral("prop_entry"));
+  ASSERT_NE(entry, nullptr);
+  QApplication::clipboard()->setText(QString::fromUtf8("bell\x07 and\x1b esc\xc2\x85"));
+  entry->setFocus();
+  QTest::keyClick(entry, Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(entry->text(), QStringLiteral("bell and esc"));
+  QTest::keyClick(entry, Qt::Key_Return);
+  EXPECT_EQ(node(e, s).properties.at("entry"), "bell and esc");
+
+  // The label editor keeps line feeds and tabs and drops the rest.
+  QApplication::clipboard()->setText(QString::fromUtf8("Line\x01 one\nLine\ttwo\x7f"));
+  e.canvas().editLabel(QString::fromStdString(s));
+  auto* editor = e.canvas().findChild<QPlainTextEdit*>(QStringLiteral("labelEditor"));
+  ASSERT_NE(editor, nullptr);
+  QTest::keyClick(editor, Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(editor->toPlainText(), QStringLiteral("Line one\nLine\ttwo"));
+  QTest::keyClick(editor, Qt::Key_Return);
+  EXPECT_EQ(node(e, s).text, "Line one\nLine\ttwo");
+
+  // The panel's multi-line text field likewise.
+  QTest::qWait(1);
+  auto* text = e.window->properties()->findChild<QPlainTextEdit*>(QStringLiteral("prop_text"));
+  ASSERT_NE(text, nullptr);
+  text->setFocus();
+  text->selectAll();
+  QApplication::clipboard()->setText(QString::fromUtf8("Valve\x08 open"));
+  QTest::keyClick(text, Qt::Key_V, Qt::ControlModifier);
+  QTest::keyClick(text, Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(node(e, s).text, "Valve open");
 }

@@ -1,6 +1,7 @@
 // Takes the documentation screenshots of the editor: run under a display
 // (xvfb-run -a build/.../shell_screenshots docs/screenshots). Not a test.
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QDockWidget>
 #include <QScreen>
@@ -122,11 +123,28 @@ int main(int argc, char** argv) {
   shoot(w, QStringLiteral("dark-theme.png"));
   w.applyThemeKey(QStringLiteral("ui.style.modern"));
 
+  // The context menu of a node: the commands that act on it, with their shortcuts.
+  if (w.openFile(sample("bdd-vehicle.xml")) && !w.session()->document()->nodes().empty()) {
+    const auto& g = w.session()->document()->nodes().front().geom;
+    const QPoint at = w.canvas()->mapFromScene({g.x + g.w / 2, g.y + g.h / 2}).toPoint();
+    QContextMenuEvent ev(QContextMenuEvent::Mouse, at, w.canvas()->mapToGlobal(at));
+    QApplication::sendEvent(w.canvas(), &ev);
+    shoot(w, QStringLiteral("context-menu.png"));
+    if (QWidget* menu = QApplication::activePopupWidget()) menu->close();
+  }
+
   // Japanese interface.
   w.applyLanguage(QStringLiteral("ja"));
   w.openFile(sample("req-braking.xml"));
   w.canvas()->selectAll();
   w.canvas()->clearSelection();
   shoot(w, QStringLiteral("japanese-ui.png"));
+  // The property panel in Japanese, a requirement selected.
+  for (const auto& n : w.session()->document()->nodes())
+    if (n.type == modelyne::core::ShapeType::sysmlRequirementDef) {
+      w.canvas()->setSelection({QString::fromStdString(n.id)}, {});
+      break;
+    }
+  shoot(w, QStringLiteral("japanese-properties.png"));
   return 0;
 }
