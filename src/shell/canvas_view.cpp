@@ -139,20 +139,25 @@ void CanvasView::setGridVisible(bool on) {
 
 void CanvasView::fitToContentWhenShown() {
   fitPending_ = !isVisible();
+  fitOpened();
+}
+
+void CanvasView::fitOpened() {
   fitToContent();
+  if (zoom_ > 1.0) setZoom(1.0);  // a small diagram opens at its own size, centred
 }
 
 void CanvasView::showEvent(QShowEvent*) {
   if (!fitPending_) return;
   fitPending_ = false;
-  fitToContent();
+  fitOpened();
 }
 
 void CanvasView::resizeEvent(QResizeEvent*) {
   contentValid_ = false;
   if (fitPending_ && isVisible()) {
     fitPending_ = false;
-    fitToContent();
+    fitOpened();
   }
 }
 

@@ -44,8 +44,8 @@ class CanvasView : public QWidget {
   void zoomActualSize();
   /// Fits the content (or `area` in diagram units) into the view.
   void fitToContent();
-  /// Fits the content once the view is shown at its size (now, if it is):
-  /// a view hidden behind the start page has no size of its own yet.
+  /// Fits the content, at most at 100%, once the view is shown at its size
+  /// (now, if it is): a view hidden behind the start page has no size yet.
   void fitToContentWhenShown();
   void fitTo(const QRectF& area);
   /// Centres the view on a diagram point.
@@ -133,6 +133,7 @@ class CanvasView : public QWidget {
   void invalidateContent();
   void ensureContent();
   void paintContent(QPainter& p, const QRectF& area, const QSet<int>* skip) const;
+  void fitOpened();
   void paintGrid(QPainter& p, const QRectF& area) const;
   void paintOverlay(QPainter& p);
   void paintDragPreview(QPainter& p);
