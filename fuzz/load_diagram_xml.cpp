@@ -1,12 +1,15 @@
 // Loads arbitrary bytes as diagram XML into a document that already holds
 // content. A refused text must leave that content as it was; an accepted one
-// must save to text that loads again and saves to the same bytes.
+// must save to text that loads again and saves to the same bytes, and its
+// frame and links must be those the substring-search block readers find.
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "bridge/bridge.h"
+#include "io/data_integration.h"
+#include "io/frame_block.h"
 
 using namespace modelyne;
 
@@ -23,6 +26,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     bridge::destroyDocument(doc);
     return 0;
   }
+  core::DiagramFrame frame;
+  io::parseDiagramFrame(text, frame);
+  if (!(doc->frame() == frame) || doc->links() != io::parseDataIntegration(text)) __builtin_trap();
   const std::string saved = bridge::saveDiagramXml(doc);
   core::Document* again = bridge::createDocument();
   bridge::loadDiagramXml(again, saved);  // throws (and the fuzzer reports it) if our own output is unreadable

@@ -15,9 +15,7 @@ void destroyDocument(DocumentHandle h) { delete h; }
 void loadDiagramXml(DocumentHandle h, std::string_view xml) {
   core::Document& doc = documentOf(h);
   io::ReadError err;
-  std::optional<io::DiagramContent> content = io::readDiagram(xml, &err);
-  if (!content) detail::fail(kParseFailure, "Failed to parse XML: " + err.what);
-  io::applyDiagram(std::move(*content), doc);
+  if (!io::parseDiagramInto(xml, doc, &err)) detail::fail(kParseFailure, "Failed to parse XML: " + err.what);
 }
 
 std::string saveDiagramXml(DocumentHandle h) { return io::serializeDocument(documentOf(h)); }

@@ -12,6 +12,7 @@
 #include "cli/model_input.h"
 #include "cli/output.h"
 #include "cli/var_option.h"
+#include "io/quoted_text.h"
 #include "sim/compiled_expression.h"
 #include "io/xml_escape.h"
 #include "sim/expression.h"
@@ -53,19 +54,16 @@ std::string number(double v) { return core::sim::shortestNumberText(v); }
 // The line of the file on which node `id`'s element starts, 0 when it cannot
 // be found (a diagram embedded in escaped form).
 unsigned nodeLine(const LoadedModel& model, const std::string& id) {
-  const std::string& xml = model.file.project.models[model.index].diagramXml;
+  const std::string_view xml = model.file.diagramText(model.index);
   const std::string attribute = " id=\"" + io::escapeXml(id) + "\"";
   std::size_t at = 0;
   for (;; at += attribute.size()) {
     at = xml.find(attribute, at);
-    if (at == std::string::npos) return 0;
+    if (at == std::string_view::npos) return 0;
     const std::size_t open = xml.rfind('<', at);
-    if (open != std::string::npos && xml.compare(open, 6, "<node ") == 0) break;
+    if (open != std::string_view::npos && xml.compare(open, 6, "<node ") == 0) break;
   }
-  const std::size_t base = model.file.text.find(xml);
-  if (base == std::string::npos) return 0;
-  const auto lines = [](std::string_view text) { return static_cast<unsigned>(std::count(text.begin(), text.end(), '\n')); };
-  return 1 + lines(std::string_view(model.file.text).substr(0, base)) + lines(std::string_view(xml).substr(0, at));
+  return diagramFirstLine(model.file, model.index) + static_cast<unsigned>(std::count(xml.begin(), xml.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
 }
 
 par::VariableTable variablesFrom(const Args& args) {
@@ -79,6 +77,13 @@ int evalExpression(const Args& args, const std::string& text) {
   const par::VariableTable table = variablesFrom(args);
   par::Evaluation result;
   std::vector<std::string> missing;
+  // What looks like a path ("a/b.xml") and does not read as an expression is
+  // a missing file; "8 / 2" still divides.
+  const auto refused = [&](std::string why) {
+    if (text.find('/') != std::string::npos || text.ends_with(".xml"))
+      return CliError(located(io::shortenedText(text), 0, "no such file"));
+    return CliError(why);
+  };
   try {
     result = par::EvaluateExpression(text, table);
     if (result.unresolved) {
@@ -87,11 +92,11 @@ int evalExpression(const Args& args, const std::string& text) {
         if (!table.contains(name)) missing.push_back(name);
     }
   } catch (const par::ParseError& e) {
-    throw CliError("column " + std::to_string(e.column()) + ": " + e.what());
+    throw refused("column " + std::to_string(e.column()) + ": " + e.what());
   } catch (const std::out_of_range&) {
-    throw CliError("number out of range");
+    throw refused("number out of range");
   } catch (const std::invalid_argument&) {
-    throw CliError("invalid number");
+    throw refused("invalid number");
   }
   writeResult(std::nullopt, number(result.value) + "\n");
   for (const std::string& name : missing) diagnostic("modelyne: unresolved name: " + name);

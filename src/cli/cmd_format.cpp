@@ -28,15 +28,13 @@ constexpr std::string_view kHelp =
 
 int run(const Args& args) {
   expectPositionals(args, 1, 1, "format", "a FILE");
-  ModelFile file = openModel(args.positionals[0]);
+  ModelFile file = openModel(args.positionals[0], std::nullopt, true);
   std::size_t unwritable = 0;
-
   for (std::size_t i = 0; i < file.project.models.size(); ++i) {
     core::Model& model = file.project.models[i];
     // A model without diagram text gets a full empty diagram too, so that a
     // second run changes nothing.
-    core::Document doc;
-    io::applyDiagram(readModelDiagram(file, i), doc);
+    const core::Document& doc = file.document(i);
     unwritable += warnAboutUnwritableText(file, i, doc);
     model.diagramXml = io::serializeDocument(doc);
     model.frame = doc.frame();

@@ -24,24 +24,25 @@ std::string quote(std::string_view s) { return "\"" + std::string(s) + "\""; }
 
 void describeModel(std::string& out, const ModelFile& file, std::size_t index, bool active) {
   const core::Model& model = file.project.models[index];
-  const io::DiagramContent content = readModelDiagram(file, index);
-  const core::DiagramFrame& frame = content.frame;
+  const core::Document& doc = file.document(index);
+  const core::DiagramFrame& frame = doc.frame();
   out += "model " + model.id + " " + quote(model.name) + (active ? " (active)" : "") + "\n";
   out += "  kind: " + std::string(core::diagramKindKey(frame.kind)) + " (" +
          std::string(core::diagramKindDisplayName(frame.kind)) + ")\n";
-  out += "  nodes: " + std::to_string(content.nodes.size()) + "\n";
-  out += "  edges: " + std::to_string(content.edges.size()) + "\n";
+  out += "  nodes: " + std::to_string(doc.nodes().size()) + "\n";
+  out += "  edges: " + std::to_string(doc.edges().size()) + "\n";
   out += "  frame: " + frame.elementType + " " + quote(frame.elementName) + ", name " +
          quote(frame.name) + ", " + (frame.show ? "shown" : "hidden") + "\n";
-  out += "  data-integration links: " + std::to_string(content.links.size()) + "\n";
-  for (const core::DataIntegrationLink& link : content.links)
+  out += "  data-integration links: " + std::to_string(doc.links().size()) + "\n";
+  for (const core::DataIntegrationLink& link : doc.links())
     out += "    " + link.id + " (" + link.type + "): " + link.path + " " + quote(link.label) + "\n";
 }
 
 int run(const Args& args) {
   expectPositionals(args, 1, 1, "info", "a FILE");
-  const ModelFile file = openModel(args.positionals[0]);
-  const std::size_t active = selectModel(file, std::nullopt);
+  const std::optional<std::string> modelId = args.value(kModelOption.name);
+  const ModelFile file = openModel(args.positionals[0], modelId, !modelId);
+  const auto active = static_cast<std::size_t>(file.project.active);
   const auto& models = file.project.models;
 
   std::string out = "file: " + file.name;
@@ -52,8 +53,8 @@ int run(const Args& args) {
     out += " (diagram)";
   out += "\n";
 
-  if (auto id = args.value(kModelOption.name)) {
-    const std::size_t index = selectModel(file, id);
+  if (modelId) {
+    const std::size_t index = file.selected;
     describeModel(out, file, index, index == active);
   } else {
     for (std::size_t i = 0; i < models.size(); ++i) describeModel(out, file, i, i == active);

@@ -35,16 +35,15 @@ bool looksLikeModelFile(std::string_view text) {
 }
 
 ai::DiagramPlan currentPlan(const Args& args, const std::string& planFile) {
-  ModelFile file = openModel(planFile);
-  if (looksLikeModelFile(file.text)) {
-    core::Document doc;
-    io::applyDiagram(readModelDiagram(file, selectModel(file, args.value(kModelOption.name))), doc);
-    return ai::PlanFromDocument(doc).plan;
+  InputText input = readInput(planFile);
+  if (looksLikeModelFile(input.text)) {
+    const ModelFile file = openModel(std::move(input), args.value(kModelOption.name), false);
+    return ai::PlanFromDocument(file.document(file.selected)).plan;
   }
   if (args.has(kModelOption.name)) throw CliError("--model applies to a model file, not to plan text");
   ai::DiagramPlan plan;
-  if (!ai::ParsePlan(file.text, plan))
-    throw CliError(located(file.name, 0, "no plan found (no valid NODE line)"));
+  if (!ai::ParsePlan(input.text, plan))
+    throw CliError(located(input.name, 0, "no plan found (no valid NODE line)"));
   return plan;
 }
 

@@ -1,17 +1,49 @@
 #include "cli/output.h"
 
 #include <cctype>
+#include <charconv>
 #include <cstdio>
+#include <system_error>
 
 #include <unistd.h>
 
 #include "io/atomic_file.h"
+#include "io/quoted_text.h"
 
 namespace modelyne::cli {
 
 namespace {
 
 bool stdinConsumed = false;
+std::uint64_t inputLimit = io::kDefaultMaxInputBytes;
+
+std::string limitHint() {
+  return "larger than the input size limit of " + io::sizeText(inputLimit) + " (" + std::string(kMaxInputSizeOption) +
+         " raises it)";
+}
+
+// Length of the valid UTF-8 sequence at `p`, or 0.
+std::size_t utf8Length(const unsigned char* p, std::size_t left) {
+  const unsigned char c = p[0];
+  std::size_t n;
+  unsigned char lo = 0x80, hi = 0xBF;  // allowed range of the second byte
+  if (c >= 0xC2 && c <= 0xDF) n = 2;
+  else if (c >= 0xE0 && c <= 0xEF) {
+    n = 3;
+    if (c == 0xE0) lo = 0xA0;
+    if (c == 0xED) hi = 0x9F;  // no surrogates
+  } else if (c >= 0xF0 && c <= 0xF4) {
+    n = 4;
+    if (c == 0xF0) lo = 0x90;
+    if (c == 0xF4) hi = 0x8F;
+  } else {
+    return 0;
+  }
+  if (left < n || p[1] < lo || p[1] > hi) return 0;
+  for (std::size_t k = 2; k < n; ++k)
+    if ((p[k] & 0xC0) != 0x80) return 0;
+  return n;
+}
 
 void writeAll(std::FILE* stream, std::string_view bytes, std::string_view streamName) {
   if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size())
@@ -38,20 +70,64 @@ std::string asClause(std::string_view message) {
 }
 
 InputText readInput(std::string_view arg) {
+  bool tooLarge = false;
   if (arg == "-") {
     if (stdinConsumed) throw CliError("standard input can be read only once");
     stdinConsumed = true;
-    std::string text;
-    char buffer[65536];
-    std::size_t n = 0;
-    while ((n = std::fread(buffer, 1, sizeof buffer, stdin)) > 0) text.append(buffer, n);
-    if (std::ferror(stdin)) throw CliError("cannot read standard input");
-    return {std::string(kStdinName), std::move(text)};
+    auto text = io::readStream(stdin, inputLimit, &tooLarge);
+    if (tooLarge) throw CliError("standard input is " + limitHint());
+    if (!text) throw CliError("cannot read standard input");
+    return {std::string(kStdinName), std::move(*text)};
   }
   std::string error;
-  auto text = io::readFile(std::string(arg), &error);
+  auto text = io::readFile(std::string(arg), &error, inputLimit, &tooLarge);
+  if (tooLarge) throw CliError(std::string(arg) + ": " + limitHint());
   if (!text) throw CliError(asClause(error));
   return {std::string(arg), std::move(*text)};
+}
+
+void setInputLimit(std::uint64_t bytes) { inputLimit = bytes; }
+
+std::uint64_t parseSize(std::string_view option, std::string_view text) {
+  std::uint64_t value = 0;
+  const auto r = std::from_chars(text.data(), text.data() + text.size(), value);
+  std::string_view unit = r.ec == std::errc() ? text.substr(static_cast<std::size_t>(r.ptr - text.data())) : "?";
+  int shift = 0;
+  if (!unit.empty()) {
+    shift = unit[0] == 'K' ? 10 : unit[0] == 'M' ? 20 : unit[0] == 'G' ? 30 : -1;
+    unit.remove_prefix(1);
+    if (unit == "iB") unit = {};
+  }
+  if (shift < 0 || !unit.empty() || value == 0 || (shift > 0 && value > (UINT64_MAX >> shift)))
+    throw CliError("invalid " + std::string(option) + " '" + io::shortenedText(text) +
+                   "' (expected a number of bytes above 0, optionally with K, M or G)");
+  return value << shift;
+}
+
+std::string terminalSafe(std::string_view text) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string out;
+  out.reserve(text.size());
+  const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+  const std::size_t size = text.size();
+  for (std::size_t i = 0; i < size;) {
+    const unsigned char c = p[i];
+    std::size_t n = c < 0x80 ? 1 : utf8Length(p + i, size - i);
+    // C1 controls are two bytes in UTF-8 (U+0080..U+009F); some terminals obey them.
+    const bool control = c < 0x20 || c == 0x7F || (n == 2 && c == 0xC2 && p[i + 1] < 0xA0);
+    if (n == 0 || control) {
+      if (n == 0) n = 1;
+      for (std::size_t k = 0; k < n; ++k) {
+        out += "\\x";
+        out += kHex[p[i + k] >> 4];
+        out += kHex[p[i + k] & 0xF];
+      }
+    } else {
+      out.append(text.substr(i, n));
+    }
+    i += n;
+  }
+  return out;
 }
 
 bool stdinIsTerminal() { return ::isatty(STDIN_FILENO) == 1; }
@@ -65,8 +141,18 @@ void writeResult(const std::optional<std::string>& out, std::string_view bytes) 
   if (!io::writeFileAtomic(*out, bytes, &error)) throw CliError(asClause(error));
 }
 
+void diagnostics(const std::vector<std::string>& lines) {
+  std::string s;
+  for (const std::string& line : lines) {
+    s += terminalSafe(line);
+    s += '\n';
+  }
+  std::fwrite(s.data(), 1, s.size(), stderr);
+  std::fflush(stderr);
+}
+
 void diagnostic(std::string_view line) {
-  std::string s(line);
+  std::string s = terminalSafe(line);
   s += '\n';
   std::fwrite(s.data(), 1, s.size(), stderr);
   std::fflush(stderr);

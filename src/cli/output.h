@@ -5,10 +5,12 @@
 /// it was), diagnostics on standard error, the exit codes and the one error
 /// type that ends a command.
 
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace modelyne::cli {
 
@@ -42,8 +44,18 @@ struct InputText {
 };
 
 /// The whole of FILE, or of standard input for "-". Standard input can be
-/// consumed once per run; a second "-" is a CliError.
+/// consumed once per run; a second "-" is a CliError. Input above the limit
+/// (`setInputLimit`) is a CliError too.
 InputText readInput(std::string_view arg);
+
+/// The option that raises the input size limit, and the limit itself
+/// (default 1 GiB).
+inline constexpr std::string_view kMaxInputSizeOption = "--max-input-size";
+void setInputLimit(std::uint64_t bytes);
+
+/// A size given as a number of bytes, optionally followed by K, M or G
+/// (KiB, MiB, GiB); CliError naming `option` when it is not one.
+std::uint64_t parseSize(std::string_view option, std::string_view text);
 
 /// Whether standard input is an interactive terminal rather than a pipe or
 /// file: an optional input left out then means the user forgot it.
@@ -53,7 +65,16 @@ bool stdinIsTerminal();
 /// replaces the file `out` in one step. Throws CliError on failure.
 void writeResult(const std::optional<std::string>& out, std::string_view bytes);
 
-/// Writes `line` and a line feed to standard error (log lines, notes).
+/// Writes `line` and a line feed to standard error (log lines, notes), with
+/// control characters and bytes that are not UTF-8 written as "\x07", so
+/// that text from a file cannot drive the terminal.
 void diagnostic(std::string_view line);
+
+/// Several lines at once (one write for thousands of warnings).
+void diagnostics(const std::vector<std::string>& lines);
+
+/// `text` with control characters (C0, DEL, C1) and bytes that are not part
+/// of valid UTF-8 written as "\xHH"; everything else as it is.
+std::string terminalSafe(std::string_view text);
 
 }  // namespace modelyne::cli

@@ -126,7 +126,7 @@ std::size_t warnAboutUnwritableText(const ModelFile& file, std::size_t index, co
   if (findings.empty() && !frame) return 0;
 
   // Lines counted in the file, in one pass over the model's diagram text.
-  const std::string& xml = file.project.models[index].diagramXml;
+  const std::string_view xml = file.diagramText(index);
   const unsigned base = diagramFirstLine(file, index);
   locate(xml, findings);
   std::vector<std::size_t> order(findings.size());

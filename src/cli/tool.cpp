@@ -2,6 +2,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/output.h"
@@ -29,6 +30,9 @@ constexpr std::string_view kUsageTail =
     "options:\n"
     "  -h, --help   show this help, or a command's help after its name\n"
     "  --version    print the version\n"
+    "  --max-input-size SIZE\n"
+    "               after COMMAND: refuse input larger than SIZE bytes (K, M, G\n"
+    "               for KiB, MiB, GiB; default 1G)\n"
     "\n"
     "exit status: 0 success; 1 a negative result (findings, unresolved names,\n"
     "nothing found); 2 an error.\n"
@@ -53,8 +57,14 @@ const Command* findCommand(std::string_view name) {
   return nullptr;
 }
 
+// Options every command takes besides its own.
+constexpr OptionSpec kCommonOptions[] = {{kMaxInputSizeOption, "", "SIZE"}};
+
 int runCommand(const Command& command, std::span<const std::string> rest) {
-  const Args args = parseArgs(rest, command.options, command.dashPositionals);
+  std::vector<OptionSpec> options(command.options.begin(), command.options.end());
+  options.insert(options.end(), std::begin(kCommonOptions), std::end(kCommonOptions));
+  const Args args = parseArgs(rest, options, command.dashPositionals);
+  if (auto size = args.value(kMaxInputSizeOption)) setInputLimit(parseSize(kMaxInputSizeOption, *size));
   if (args.help) {
     writeResult(std::nullopt, command.help);
     return kExitOk;

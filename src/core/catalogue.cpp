@@ -1,7 +1,8 @@
 #include "core/catalogue.h"
 
 #include <array>
-#include <unordered_map>
+
+#include "core/key_table.h"
 
 namespace modelyne::core {
 
@@ -210,6 +211,12 @@ constexpr ShapeIndex kShapeIndex{};
 static_assert(std::size(kShapes) == 124, "every shape type is in the catalogue once");
 static_assert(std::size(kEdges) == 46, "every edge type is in the catalogue once");
 
+// Key lookups, built by the compiler from the same tables.
+constexpr KeyTable<ShapeType, 256> kShapeByKey(
+    kShapes, [](const ShapeInfo& i) { return i.key; }, [](const ShapeInfo& i) { return i.type; });
+constexpr KeyTable<EdgeType, 128> kEdgeByKey(
+    kEdges, [](const EdgeInfo& i) { return i.key; }, [](const EdgeInfo& i) { return i.type; });
+
 }  // namespace
 
 std::span<const ShapeInfo> shapeCatalogue() noexcept { return kShapes; }
@@ -231,18 +238,7 @@ std::string_view shapeKey(ShapeType t) noexcept {
   return info ? info->key : std::string_view("rect");
 }
 
-bool shapeFromKey(std::string_view key, ShapeType& out) noexcept {
-  // Built once on first use (thread-safe static); readers of big files call this per node.
-  static const auto* const byKey = [] {
-    auto* m = new std::unordered_map<std::string_view, ShapeType>();
-    for (const ShapeInfo& s : kShapes) m->emplace(s.key, s.type);
-    return m;
-  }();
-  const auto it = byKey->find(key);
-  if (it == byKey->end()) return false;
-  out = it->second;
-  return true;
-}
+bool shapeFromKey(std::string_view key, ShapeType& out) noexcept { return kShapeByKey.find(key, out); }
 
 std::string_view shapeDisplayName(ShapeType t) noexcept {
   const ShapeInfo* info = shapeInfo(t);
@@ -255,17 +251,7 @@ std::string_view edgeKey(EdgeType t) noexcept {
   return kEdges[v].key;
 }
 
-bool edgeFromKey(std::string_view key, EdgeType& out) noexcept {
-  static const auto* const byKey = [] {
-    auto* m = new std::unordered_map<std::string_view, EdgeType>();
-    for (const EdgeInfo& e : kEdges) m->emplace(e.key, e.type);
-    return m;
-  }();
-  const auto it = byKey->find(key);
-  if (it == byKey->end()) return false;
-  out = it->second;
-  return true;
-}
+bool edgeFromKey(std::string_view key, EdgeType& out) noexcept { return kEdgeByKey.find(key, out); }
 
 std::string_view edgeDisplayName(EdgeType t) noexcept {
   const auto v = static_cast<std::int32_t>(t);

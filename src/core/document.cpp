@@ -293,6 +293,17 @@ void Document::reserve(std::size_t nodeCount, std::size_t edgeCount) {
   edgeIndex_.reserve(edgeCount);
 }
 
+void Document::swapContent(Document& other) noexcept {
+  nodes_.swap(other.nodes_);
+  edges_.swap(other.edges_);
+  nodeIndex_.swapEntries(other.nodeIndex_);
+  edgeIndex_.swapEntries(other.edgeIndex_);
+  nodeSuffixHint_.swap(other.nodeSuffixHint_);
+  edgeSuffixHint_.swap(other.edgeSuffixHint_);
+  std::swap(frame_, other.frame_);
+  links_.swap(other.links_);
+}
+
 std::size_t Document::nodeMemoryBytes() const noexcept {
   return nodes_.capacity() * sizeof(Node) + nodeIndex_.memoryBytes();
 }

@@ -88,6 +88,9 @@ class Document {
   /// refused (first wins). Returns how many nodes and edges were refused.
   std::pair<std::size_t, std::size_t> replaceContent(std::vector<Node> nodes, std::vector<Edge> edges);
   void reserve(std::size_t nodeCount, std::size_t edgeCount);
+  /// Exchanges nodes, edges, frame and links (with their indexes) with
+  /// `other`; both histories stay where they are.
+  void swapContent(Document& other) noexcept;
 
   // ---- further lists of the diagram ----
   DiagramFrame& frame() noexcept { return frame_; }
@@ -104,6 +107,8 @@ class Document {
   std::size_t nodeMemoryBytes() const noexcept;
 
  private:
+  friend class DocumentBuilder;
+
   std::string makeId(std::string_view requested, std::string_view fallback, bool forNode,
                      const std::function<bool(std::string_view)>& reserved);
 

@@ -3,10 +3,13 @@
 /// position in an ordered sequence (nodes or edges). It stores positions
 /// only (8 bytes a slot) and reads the ids from the sequence itself, so it
 /// costs little memory and never holds a pointer that a reallocation moves.
+/// Bulk fills (a file being read) hash a batch of ids first and `prefetch`
+/// their slots, then insert with the hashes they already have.
 
 #include <cstdint>
 #include <functional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace modelyne::core {
@@ -38,7 +41,33 @@ class IdIndex {
   /// run serves both the check and the insertion. False when present.
   bool insertIfAbsent(std::string_view id, std::uint32_t pos) {
     if ((count_ + 1) * 2 > slots_.size()) grow();
-    const std::uint32_t h = hashOf(id);
+    return insertHashedIfAbsent(id, hashOf(id), pos);
+  }
+
+  /// The hash the index files `id` under.
+  static std::uint32_t hashOf(std::string_view id) noexcept {
+    const std::size_t h = std::hash<std::string_view>{}(id);
+    return static_cast<std::uint32_t>(h ^ (h >> 32));
+  }
+
+  /// Makes room for `more` insertions without growing in between, so that
+  /// slots prefetched for them stay where they are.
+  void reserveMore(std::size_t more) {
+    if ((count_ + more) * 2 > slots_.size()) reserve(count_ + more);
+  }
+
+  /// Asks the processor to fetch the home slot of hash `h` ahead of use.
+  void prefetch(std::uint32_t h) const noexcept {
+#if defined(__GNUC__)
+    __builtin_prefetch(&slots_[h & mask_]);
+#else
+    (void)h;
+#endif
+  }
+
+  /// insertIfAbsent with the id's hash already known; room must have been
+  /// made with `reserveMore`.
+  bool insertHashedIfAbsent(std::string_view id, std::uint32_t h, std::uint32_t pos) noexcept {
     std::size_t i = h & mask_;
     for (;; i = (i + 1) & mask_) {
       const Slot& s = slots_[i];
@@ -122,17 +151,20 @@ class IdIndex {
 
   std::size_t memoryBytes() const noexcept { return slots_.capacity() * sizeof(Slot); }
 
+  /// Exchanges the entries with `other`, whose sequence has been exchanged
+  /// with this one's (each index keeps reading its own sequence).
+  void swapEntries(IdIndex& other) noexcept {
+    slots_.swap(other.slots_);
+    std::swap(mask_, other.mask_);
+    std::swap(count_, other.count_);
+  }
+
  private:
   static constexpr std::uint32_t kEmpty = 0xFFFFFFFFu;
   struct Slot {
     std::uint32_t pos = kEmpty;
     std::uint32_t hash = 0;
   };
-
-  static std::uint32_t hashOf(std::string_view id) noexcept {
-    const std::size_t h = std::hash<std::string_view>{}(id);
-    return static_cast<std::uint32_t>(h ^ (h >> 32));
-  }
 
   void place(std::uint32_t h, std::uint32_t pos) noexcept {
     std::size_t i = h & mask_;

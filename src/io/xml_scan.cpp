@@ -1,6 +1,7 @@
 #include "io/xml_scan.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 
 #include "io/xml_escape.h"
@@ -80,6 +81,24 @@ std::size_t findText(std::string_view hay, std::string_view needle, std::size_t 
 std::size_t lineAt(std::string_view text, std::size_t offset) {
   offset = std::min(offset, text.size());
   return static_cast<std::size_t>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(offset), '\n')) + 1;
+}
+
+std::size_t LineCounter::lineAt(std::size_t offset) {
+  if (offset < pos_) {  // asked out of order: count again from the start
+    pos_ = 0;
+    line_ = 1;
+  }
+  offset = std::min(offset, text_.size());
+  const char* p = text_.data() + pos_;
+  const char* end = text_.data() + offset;
+  while (p < end) {
+    const void* nl = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
+    if (!nl) break;
+    ++line_;
+    p = static_cast<const char*>(nl) + 1;
+  }
+  pos_ = offset;
+  return line_;
 }
 
 }  // namespace modelyne::io::detail

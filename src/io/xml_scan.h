@@ -30,4 +30,16 @@ std::size_t findText(std::string_view hay, std::string_view needle, std::size_t 
 /// Number of line breaks before `offset`, plus one.
 std::size_t lineAt(std::string_view text, std::size_t offset);
 
+/// lineAt for offsets asked in ascending order: each byte is counted once.
+class LineCounter {
+ public:
+  explicit LineCounter(std::string_view text) : text_(text) {}
+  std::size_t lineAt(std::size_t offset);
+
+ private:
+  std::string_view text_;
+  std::size_t pos_ = 0;
+  std::size_t line_ = 1;
+};
+
 }  // namespace modelyne::io::detail

@@ -59,15 +59,23 @@ std::unique_ptr<ProjectSession> ProjectSession::createNew(core::DiagramKind kind
   return s;
 }
 
+namespace {
+
+// A diagnostic as the editor shows it: "line N: WHAT" (the file is the one opened).
+QString placed(const io::Diagnostic& d) {
+  const QString what = QString::fromStdString(d.what);
+  return d.line > 0 ? QStringLiteral("line %1: %2").arg(d.line).arg(what) : what;
+}
+
+}  // namespace
+
 std::unique_ptr<ProjectSession> ProjectSession::fromOpened(io::OpenedModelFile opened, QString* error) {
   if (opened.error) {
-    if (error) {
-      *error = QString::fromStdString(opened.error->what);
-      if (opened.error->line > 0) *error = QStringLiteral("line %1: %2").arg(opened.error->line).arg(*error);
-    }
+    if (error) *error = placed(*opened.error);
     return nullptr;
   }
   std::unique_ptr<ProjectSession> s(new ProjectSession);
+  for (const io::Diagnostic& w : opened.warnings) s->openLog_.append(ui(io::kLogLoadSkipped).arg(placed(w)));
   for (const io::LogLine& line : opened.log) {
     QString text = ui(line.key);
     if (text == QString::fromStdString(line.key)) {
@@ -77,26 +85,19 @@ std::unique_ptr<ProjectSession> ProjectSession::fromOpened(io::OpenedModelFile o
     }
     s->openLog_.append(text);
   }
-  try {
-    core::Project& project = opened.project;
-    s->name_ = project.name;
-    for (core::Model& model : project.models) {
-      ModelDoc m;
-      m.doc = bridge::createDocument();
-      s->models_.push_back(m);  // owned from here on, so a throw below frees it
-      // A model block without a diagram reads as an empty diagram.
-      const std::string xml = model.diagramXml.find("<diagram") == std::string::npos
-                                  ? emptyDiagramXml(model.frame.kind)
-                                  : model.diagramXml;
-      bridge::loadDiagramXml(m.doc, xml);
-      s->models_.back().model = std::move(model);
-    }
-    if (s->models_.empty()) s->models_.push_back(s->makeModel(core::DiagramKind::pkg));
-    s->active_ = std::clamp(project.active, 0, static_cast<int>(s->models_.size()) - 1);
-  } catch (const std::exception& e) {
-    if (error) *error = QString::fromUtf8(e.what());
-    return nullptr;
+  core::Project& project = opened.project;
+  s->name_ = project.name;
+  // The documents were read by the open itself; the session takes them over.
+  for (std::size_t i = 0; i < project.models.size(); ++i) {
+    ModelDoc m;
+    m.model = std::move(project.models[i]);
+    m.doc = opened.documents[i].release();
+    s->models_.push_back(std::move(m));
+    // Loading cleared the history, so the document is at its saved state.
+    s->models_.back().doc->history().markSaved();
   }
+  if (s->models_.empty()) s->models_.push_back(s->makeModel(core::DiagramKind::pkg));
+  s->active_ = std::clamp(project.active, 0, static_cast<int>(s->models_.size()) - 1);
   return s;
 }
 
@@ -105,7 +106,9 @@ std::unique_ptr<ProjectSession> ProjectSession::fromText(const std::string& text
 }
 
 std::unique_ptr<ProjectSession> ProjectSession::open(const QString& path, QString* error) {
-  auto s = fromOpened(io::openModelFile(path.toStdString()), error);
+  io::OpenOptions options;
+  options.migrateSidecar = true;
+  auto s = fromOpened(io::openModelFile(path.toStdString(), options), error);
   if (s) {
     s->path_ = path;
     if (s->name_.empty()) s->name_ = utf8(QFileInfo(path).completeBaseName());

@@ -3,6 +3,7 @@
 // cover the logic behind each command.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -124,10 +125,10 @@ TEST(CliErrors, FaultsNameTheFileAndLine) {
   const fs::path dir = scratchDir("errors");
   writeText(dir / "broken.xml", kBrokenXml);
 
+  // One line, one line number: the place is printed once, from the fields.
   ToolRun r = runTool({"check", "broken.xml"}, {}, dir);
   EXPECT_EQ(r.exitCode, 2);
-  EXPECT_TRUE(r.err.starts_with("modelyne: error: broken.xml:4: invalid stof argument")) << r.err;
-  EXPECT_TRUE(isOneErrorLine(r.err)) << r.err;
+  EXPECT_EQ(r.err, "modelyne: error: broken.xml:4: invalid stof argument: attribute 'x' of <geom> in node 'b1' is \"abc\"\n");
   EXPECT_EQ(r.out, "");
 
   r = runTool({"assess", "-"}, kBrokenXml);
@@ -136,7 +137,7 @@ TEST(CliErrors, FaultsNameTheFileAndLine) {
   // A skipped element is a warning at its line; the command goes on.
   r = runTool({"info", "-"}, "<diagram xmlns=\"modelyne:diagram\">\n<node id=\"a\"/>\n<node id=\"a\"/>\n</diagram>\n");
   EXPECT_EQ(r.exitCode, 0);
-  EXPECT_TRUE(r.err.starts_with("modelyne: warning: <stdin>:3: ")) << r.err;
+  EXPECT_EQ(r.err, "modelyne: warning: <stdin>:3: node id 'a' is used twice; the later node was skipped\n");
   EXPECT_NE(r.out.find("  nodes: 1\n"), std::string::npos);
 
   EXPECT_EQ(runTool({"check", "-"}, "\n").err, "modelyne: error: <stdin>: the file is empty, not a model file\n");
@@ -144,6 +145,38 @@ TEST(CliErrors, FaultsNameTheFileAndLine) {
   r = runTool({"info", "missing.xml"}, {}, dir);
   EXPECT_EQ(r.exitCode, 2);
   EXPECT_EQ(r.err, "modelyne: error: cannot open missing.xml: No such file or directory\n");
+}
+
+// Text from a hostile file cannot drive the terminal: control characters and
+// bytes that are not UTF-8 are printed escaped, and quoted values are cut
+// after 80 characters.
+TEST(CliErrors, FileTextInErrorLinesIsShortAndEscaped) {
+  const std::string value = "\x1b[2J" + std::string(100, 'z');
+  const ToolRun r = runTool({"check", "-"}, "<diagram>\n<node id=\"a\x07\xff\"><geom x=\"" + value + "\"/></node></diagram>\n");
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_EQ(r.err, "modelyne: error: <stdin>:2: invalid stof argument: attribute 'x' of <geom> in node 'a\\x07\\xFF' is \"\\x1B[2J" +
+                       std::string(76, 'z') + "\u2026\"\n");
+  // Valid UTF-8 stays as it is; a C1 control does not.
+  EXPECT_EQ(runTool({"check", "-", "--kind", "\xc3\xa9\xc2\x9b"}).err,
+            "modelyne: error: unknown diagram kind '\xc3\xa9\\xC2\\x9B' (kinds: bdd, ibd, pkg, par, act, sd, stm, uc, req, test, mm)\n");
+}
+
+// Input has a size limit (1 GiB unless raised), so an endless device or pipe
+// stops with an error instead of filling the memory.
+TEST(CliInput, LargerInputThanTheLimitIsRefused) {
+  ToolRun r = runTool({"check", "/dev/zero", "--max-input-size", "64K"});
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_EQ(r.err, "modelyne: error: /dev/zero: larger than the input size limit of 64 KiB (--max-input-size raises it)\n");
+  r = runTool({"format", "-", "--max-input-size=1K"}, std::string(2000, ' '));
+  EXPECT_EQ(r.exitCode, 2);
+  EXPECT_EQ(r.err, "modelyne: error: standard input is larger than the input size limit of 1 KiB (--max-input-size raises it)\n");
+  EXPECT_EQ(runTool({"format", "-", "--max-input-size", "1M"}, kBddXml).exitCode, 0);
+  for (const char* bad : {"0", "-1", "12X", "1KB", "99999999999G"}) {
+    r = runTool({"info", "-", "--max-input-size", bad}, kBddXml);
+    EXPECT_EQ(r.exitCode, 2) << bad;
+    EXPECT_EQ(r.err, std::string("modelyne: error: invalid --max-input-size '") + bad +
+                         "' (expected a number of bytes above 0, optionally with K, M or G)\n");
+  }
 }
 
 TEST(CliOutput, FailedCommandLeavesAnExistingOutUntouched) {
@@ -160,6 +193,22 @@ TEST(CliOutput, FailedCommandLeavesAnExistingOutUntouched) {
   EXPECT_EQ(r.exitCode, 0) << r.err;
   EXPECT_EQ(r.out, "");
   EXPECT_TRUE(readText(dir / "keep.md").starts_with("# ")) << readText(dir / "keep.md");
+
+  // Replacing OUT keeps its permissions and writes through a link to it.
+  writeText(dir / "private.md", "old\n");
+  fs::permissions(dir / "private.md", fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::replace);
+  fs::create_symlink("private.md", dir / "link.md");
+  r = runTool({"explain", "good.xml", "-o", "link.md"}, {}, dir);
+  EXPECT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_TRUE(fs::is_symlink(dir / "link.md"));
+  EXPECT_TRUE(readText(dir / "private.md").starts_with("# "));
+  EXPECT_EQ(fs::status(dir / "private.md").permissions() & fs::perms::mask, fs::perms::owner_read | fs::perms::owner_write);
+  fs::remove(dir / "link.md");
+  fs::remove(dir / "private.md");
+  // A temporary file that a killed run left beside OUT goes with the next write.
+  writeText(dir / "keep.md.tmp-999999999-0", "half");
+  EXPECT_EQ(runTool({"explain", "good.xml", "-o", "keep.md"}, {}, dir).exitCode, 0);
+  EXPECT_FALSE(fs::exists(dir / "keep.md.tmp-999999999-0"));
 
   // A folder that does not exist: an error, and no stray temporary files.
   r = runTool({"format", "good.xml", "-o", "nowhere/out.xml"}, {}, dir);
@@ -214,6 +263,13 @@ TEST(CliEval, ExpressionValuesAndErrors) {
     EXPECT_EQ(r.out, "");
   }
   EXPECT_EQ(runTool({"eval", "x", "--var", "x=abc"}).exitCode, 2);
+
+  // Something that looks like a path is a missing file, not an expression.
+  for (const char* path : {"models/missing.xml", "missing.xml", "./m"}) {
+    const ToolRun r = runTool({"eval", path});
+    EXPECT_EQ(r.exitCode, 2) << path;
+    EXPECT_EQ(r.err, std::string("modelyne: error: ") + path + ": no such file\n");
+  }
 }
 
 // An equation that does not parse: located error, the other values still
@@ -309,7 +365,40 @@ TEST(CliInfo, ProjectWrapperModelsAndModelSelection) {
                              "<modelyneModel id=\"b\" name=\"B\">\n" + kBrokenXml + "</modelyneModel>\n"
                              "</modelyneProject>\n";
   r = runTool({"info", "-"}, broken);
-  EXPECT_TRUE(r.err.starts_with("modelyne: error: <stdin>:19: ")) << r.err;
+  EXPECT_EQ(r.err, "modelyne: error: <stdin>:19: invalid stof argument: attribute 'x' of <geom> in node 'b1' is \"abc\"\n");
+  // A command on the first model does not read the broken second one.
+  EXPECT_EQ(runTool({"check", "-"}, broken).exitCode, 1);
+
+  // Repeated model ids and an active index out of range are warnings at
+  // their lines; --model says which of two equal ids it took.
+  const std::string twice = "<modelyneProject version=\"1\" name=\"P\" active=\"4\">\n"
+                            "<modelyneModel id=\"m\" name=\"First\">\n" + kLooseXml + "\n</modelyneModel>\n"
+                            "<modelyneModel id=\"m\" name=\"Second\">\n" + kBddXml + "</modelyneModel>\n"
+                            "</modelyneProject>\n";
+  const std::string warnings =
+      "modelyne: warning: <stdin>:1: attribute 'active' of <modelyneProject> is 4, but the project has 2 models; "
+      "the last model is active instead\n"
+      "modelyne: warning: <stdin>:7: model id 'm' is already used by an earlier model\n";
+  r = runTool({"info", "-"}, twice);
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_EQ(r.err, warnings);
+  EXPECT_NE(r.out.find("model m \"Second\" (active)"), std::string::npos) << r.out;
+  r = runTool({"check", "-", "--model", "m"}, twice);
+  EXPECT_EQ(r.exitCode, 0);  // the loose diagram has no findings
+  EXPECT_EQ(r.err, warnings + "modelyne: warning: <stdin>:2: 2 models have the id 'm'; the first, \"First\", is used\n");
+}
+
+// `info` and `format` read each model once, so many models with a warning
+// each go as fast as one big model (a benchmark keeps the figures).
+TEST(CliInfo, ManyModelsEachWithAWarning) {
+  std::string project = "<modelyneProject version=\"1\" name=\"P\" active=\"0\">\n";
+  for (int i = 0; i < 2000; ++i)
+    project += "<modelyneModel id=\"m" + std::to_string(i) + "\" name=\"M\">\n<diagram>\n<node id=\"a\"/>\n<node id=\"a\"/>\n</diagram>\n</modelyneModel>\n";
+  project += "</modelyneProject>\n";
+  const ToolRun r = runTool({"info", "-"}, project);
+  EXPECT_EQ(r.exitCode, 0);
+  EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 2000);
+  EXPECT_TRUE(r.err.ends_with("modelyne: warning: <stdin>:11999: node id 'a' is used twice; the later node was skipped\n")) << r.err.substr(r.err.size() - 200);
 }
 
 // Every shipped sample reads, checks, reports and formats; the parametric

@@ -60,6 +60,23 @@ TEST(Catalogue, LookupsAreExactAndFallBack) {
   EXPECT_EQ(a, Anchor::bottomRight);
   EXPECT_EQ(anchorKey(static_cast<Anchor>(8)), "right");
   EXPECT_EQ(normalizeAnchor(static_cast<Anchor>(-2)), Anchor::right);
+
+  // Every key finds its own entry; a key with a byte more or less finds none.
+  for (const ShapeInfo& s : shapeCatalogue()) {
+    ShapeType t = ShapeType::rect;
+    EXPECT_TRUE(shapeFromKey(s.key, t) && t == s.type) << s.key;
+    EXPECT_FALSE(shapeFromKey(std::string(s.key) + "x", t)) << s.key;
+    EXPECT_FALSE(shapeFromKey(s.key.substr(0, s.key.size() - 1), t)) << s.key;
+  }
+  for (const EdgeInfo& e : edgeCatalogue()) {
+    EdgeType t = EdgeType::straight;
+    EXPECT_TRUE(edgeFromKey(e.key, t) && t == e.type) << e.key;
+    EXPECT_FALSE(edgeFromKey(std::string(e.key) + " ", t)) << e.key;
+  }
+  for (int i = 0; i < 8; ++i) {
+    Anchor found = Anchor::right;
+    EXPECT_TRUE(anchorFromKey(anchorKey(static_cast<Anchor>(i)), found) && static_cast<int>(found) == i) << i;
+  }
 }
 
 TEST(Catalogue, PaletteGroupsAndDiagramKinds) {

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "core/document.h"
+#include "core/document_builder.h"
 
 using namespace modelyne::core;
 
@@ -123,4 +124,50 @@ TEST(Document, IndexSurvivesManyInsertionsAndRemovals) {
   for (int i = 0; i < static_cast<int>(d.nodes().size()); ++i) ASSERT_EQ(d.indexOfNode(d.nodeAt(i)->id), i);
   EXPECT_EQ(d.findNode("n3"), nullptr);
   EXPECT_NE(d.findNode("n4"), nullptr);
+}
+
+// A bulk fill: more elements than one indexing batch, repeats inside a batch
+// and across batches, empty ids. The first of each id stays, in order; every
+// refusal is reported with its tag; the index finds what stayed.
+TEST(DocumentBuilder, KeepsTheFirstOfEachIdAndReportsTheRest) {
+  Document d;
+  {
+    DocumentBuilder b(d, 4, 4);
+    for (std::size_t i = 0; i < 150; ++i) b.addNode(node(i == 100 || i == 140 ? "" : "n" + std::to_string(i % 60)), i);
+    for (std::size_t i = 0; i < 70; ++i) b.addEdge(edge("e" + std::to_string(i % 35), "n1", "n2"), 1000 + i);
+    b.finish();
+    ASSERT_EQ(b.refusedNodes().size(), 90u);  // 60..149
+    EXPECT_EQ(b.refusedNodes().front(), 60u);
+    EXPECT_EQ(b.refusedNodes()[40], 100u);
+    EXPECT_EQ(b.refusedNodes().back(), 149u);
+    ASSERT_EQ(b.refusedEdges().size(), 35u);
+    EXPECT_EQ(b.refusedEdges().front(), 1035u);
+    EXPECT_EQ(b.refusedEdges().back(), 1069u);
+  }
+  ASSERT_EQ(d.nodes().size(), 60u);
+  for (int i = 0; i < 60; ++i) EXPECT_EQ(d.indexOfNode("n" + std::to_string(i)), i) << i;
+  EXPECT_EQ(d.edges().size(), 35u);
+  EXPECT_EQ(d.indexOfEdge("e34"), 34);
+  // The document works on as usual.
+  EXPECT_FALSE(d.addNode(node("n0")));
+  EXPECT_TRUE(d.addNode(node("n60")));
+  EXPECT_EQ(d.indexOfNode("n60"), 60);
+
+  // What was added after the last finish is not part of the document.
+  {
+    DocumentBuilder b(d);
+    b.addNode(node("late"), 0);
+  }
+  EXPECT_EQ(d.findNode("late"), nullptr);
+  EXPECT_EQ(d.nodes().size(), 61u);
+
+  // Swapping content swaps the indexes with it.
+  Document other;
+  other.addNode(node("x"));
+  other.frame().name = "other";
+  d.swapContent(other);
+  EXPECT_EQ(order(d), "x ");
+  EXPECT_EQ(d.frame().name, "other");
+  EXPECT_EQ(other.indexOfNode("n59"), 59);
+  EXPECT_EQ(d.indexOfNode("n59"), -1);
 }

@@ -207,10 +207,38 @@ TEST(DiagramReader, SkipsDuplicateAndEmptyIdsWithWarnings) {
   EXPECT_EQ(c->nodes[0].geom.x, 1.0f);  // the first wins
   ASSERT_EQ(c->edges.size(), 1u);
   EXPECT_EQ(c->edges[0].text, "");
-  ASSERT_EQ(c->warnings.size(), 3u);
-  EXPECT_EQ(c->warnings[0], "line 3: node id 'a' is used twice; the later node was skipped");
-  EXPECT_EQ(c->warnings[1], "line 4: node without id skipped");
-  EXPECT_EQ(c->warnings[2], "line 6: edge id 'e' is used twice; the later edge was skipped");
+  // The place is in fields, never in the message.
+  EXPECT_EQ(c->warnings,
+            (std::vector<io::Diagnostic>{{"node id 'a' is used twice; the later node was skipped", 3, "node", ""},
+                                         {"node without id skipped", 4, "node", ""},
+                                         {"edge id 'e' is used twice; the later edge was skipped", 6, "edge", ""}}));
+}
+
+// More elements than one indexing batch, with repeats inside a batch and
+// across batches: the first of each id wins, every repeat is reported in
+// file order, and the index finds every element kept.
+TEST(DiagramReader, RepeatedIdsAcrossManyElements) {
+  std::string xml = "<diagram>\n";
+  for (int i = 0; i < 100; ++i) xml += "<node id='n" + std::to_string(i % 70) + "'><text>" + std::to_string(i) + "</text></node>\n";
+  for (int i = 0; i < 100; ++i) xml += "<edge id='e" + std::to_string(i % 40) + "' source='n1' target='n2'/>\n";
+  xml += "</diagram>\n";
+  core::Document doc;
+  std::vector<io::Diagnostic> warnings;
+  ASSERT_TRUE(io::parseDiagramInto(xml, doc, nullptr, &warnings));
+  ASSERT_EQ(doc.nodes().size(), 70u);
+  ASSERT_EQ(doc.edges().size(), 40u);
+  for (int i = 0; i < 70; ++i) {
+    const core::Node* n = doc.findNode("n" + std::to_string(i));
+    ASSERT_NE(n, nullptr) << i;
+    EXPECT_EQ(n->text, std::to_string(i));
+    EXPECT_EQ(doc.indexOfNode(n->id), i);
+  }
+  for (int i = 0; i < 40; ++i) EXPECT_EQ(doc.indexOfEdge("e" + std::to_string(i)), i);
+  ASSERT_EQ(warnings.size(), 30u + 60u);
+  EXPECT_EQ(warnings[0], (io::Diagnostic{"node id 'n0' is used twice; the later node was skipped", 72, "node", ""}));
+  EXPECT_EQ(warnings[29].line, 101u);
+  EXPECT_EQ(warnings[30], (io::Diagnostic{"edge id 'e0' is used twice; the later edge was skipped", 142, "edge", ""}));
+  EXPECT_EQ(warnings.back().line, 201u);
 }
 
 // Inputs a damaged or foreign file could hold: each is refused with what and where.
@@ -224,29 +252,32 @@ TEST(DiagramReader, RefusesWhatItCannotRead) {
       {"", "the text is empty", 1},
       {"  \n ", "the text is empty", 2},
       {"<?xml version=\"1.0\"?>\n", "no <diagram> element", 2},
-      {"<svg>\n</svg>", "root element is <svg> at line 1, expected <diagram>", 1},
+      {"<svg>\n</svg>", "root element is <svg>, expected <diagram>", 1},
       {"\n<modelyneProject version=\"1\">",
-       "root element is <modelyneProject> at line 2, a project of several models, not one diagram", 2},
-      {"hello <diagram/>", "text before the root element at line 1", 1},
-      {"<diagram>\n  <node id=\"a\">\n    <geom x=\"1\"/>\n", "<node> opened at line 2 is not closed: the text ends early", 2},
-      {"<diagram>\n  <node id=\"a\"/>\n", "<diagram> opened at line 1 is not closed: the text ends early", 1},
-      {"<diagram>\n  <node id=\"a\">\n  <node id=\"b\"/>\n</diagram>",
-       "<node> opened at line 2 is not closed before the next <node> at line 3", 2},
-      {"<diagram>\n  <node id=\"a\">\n</diagram>", "<node> opened at line 2 is not closed before </diagram> at line 3", 2},
-      {"<diagram>\n<!-- never closed", "unterminated comment at line 2", 2},
-      {"<diagram>\n<edge id=\"e", "unterminated value of attribute 'id' of <edge> at line 2", 2},
-      {"<diagram>\n<edge id=e/>", "value of attribute 'id' of <edge> is not quoted at line 2", 2},
-      {"<diagram>\n<edge id/>", "attribute 'id' of <edge> has no value at line 2", 2},
-      {"<diagram>\n<edge id='e'", "unexpected end of text inside <edge> at line 2", 2},
-      {"<diagram>\n< node/>", "malformed tag at line 2", 2},
+       "root element is <modelyneProject>, a project of several models, not one diagram", 2},
+      {"hello <diagram/>", "text before the root element", 1},
+      {"<diagram>\n  <node id=\"a\">\n    <geom x=\"1\"/>\n", "<node> is not closed: the text ends early", 2},
+      {"<diagram>\n  <node id=\"a\"/>\n", "<diagram> is not closed: the text ends early", 1},
+      {"<diagram>\n  <node id=\"a\">\n  <node id=\"b\"/>\n</diagram>", "<node> is not closed before the next <node>", 2},
+      {"<diagram>\n  <node id=\"a\">\n</diagram>", "<node> is not closed before </diagram>", 2},
+      {"<diagram>\n<!-- never closed", "unterminated comment", 2},
+      {"<diagram>\n<edge id=\"e", "unterminated value of attribute 'id' of <edge>", 2},
+      {"<diagram>\n<edge id=e/>", "value of attribute 'id' of <edge> is not quoted", 2},
+      {"<diagram>\n<edge id/>", "attribute 'id' of <edge> has no value", 2},
+      {"<diagram>\n<edge id='e'", "unexpected end of text inside <edge>", 2},
+      {"<diagram>\n< node/>", "malformed tag", 2},
       {"<diagram>\n  <node id=\"n7\">\n    <geom x=\"1\" y=\"abc\"/>\n  </node>\n</diagram>",
-       "invalid stof argument: attribute 'y' of <geom> in node 'n7' at line 3 is \"abc\"", 3},
+       "invalid stof argument: attribute 'y' of <geom> in node 'n7' is \"abc\"", 3},
       {"<diagram>\n<node id=\"n\"><geom w=\"\"/></node></diagram>",
-       "invalid stof argument: attribute 'w' of <geom> in node 'n' at line 2 is \"\"", 2},
+       "invalid stof argument: attribute 'w' of <geom> in node 'n' is \"\"", 2},
       {"<diagram>\n<node id=\"n\"><geom h=\"1e999\"/></node></diagram>",
-       "stof argument out of range: attribute 'h' of <geom> in node 'n' at line 2 is \"1e999\"", 2},
+       "stof argument out of range: attribute 'h' of <geom> in node 'n' is \"1e999\"", 2},
       {"<diagram>\n\n<edge id=\"e\" source=\"a\" target=\"b\" tgtAnchorDY=\"x\"/></diagram>",
-       "invalid stof argument: attribute 'tgtAnchorDY' of <edge> in edge 'e' at line 3 is \"x\"", 3},
+       "invalid stof argument: attribute 'tgtAnchorDY' of <edge> in edge 'e' is \"x\"", 3},
+      // Text from the file is quoted at most 80 characters long.
+      {"<diagram><node id='n'><geom x='9\x07' y='x123456789012345678901234567890123456789012345678901234567890123456789012345678901234567890'/></node></diagram>",
+       "invalid stof argument: attribute 'y' of <geom> in node 'n' is "
+       "\"x1234567890123456789012345678901234567890123456789012345678901234567890123456789\u2026\"", 1},
   };
   for (const Case& c : cases) {
     io::ReadError err;
@@ -256,27 +287,60 @@ TEST(DiagramReader, RefusesWhatItCannotRead) {
   }
 }
 
-TEST(DiagramReader, LoadIntoDocumentReportsSkippedElements) {
+// A diagram text inside a file: lines and file name come from its place.
+TEST(DiagramReader, LoadIntoDocumentReportsSkippedElementsAtTheirPlace) {
   core::Document doc;
-  std::vector<std::string> warnings;
+  std::vector<io::Diagnostic> warnings;
   ASSERT_TRUE(io::parseDiagramInto("<diagram>\n<node id='a'/>\n<node id='a'/>\n<edge id='e'/><edge/>\n</diagram>", doc,
-                                   nullptr, &warnings));
+                                   nullptr, &warnings, {"p.xml", 10}));
   EXPECT_EQ(doc.nodes().size(), 1u);
   EXPECT_EQ(doc.edges().size(), 1u);
-  EXPECT_EQ(warnings, (std::vector<std::string>{"line 3: node id 'a' is used twice; the later node was skipped",
-                                                "line 4: edge without id skipped"}));
+  EXPECT_EQ(warnings, (std::vector<io::Diagnostic>{{"node id 'a' is used twice; the later node was skipped", 12, "node", "p.xml"},
+                                                   {"edge without id skipped", 13, "edge", "p.xml"}}));
+  io::ReadError err;
+  EXPECT_FALSE(io::parseDiagramInto("\n<diagram>\n<edge id='e' srcAnchorDY='?'/>", doc, &err, nullptr, {"p.xml", 10}));
+  EXPECT_EQ(err, (io::Diagnostic{"invalid stof argument: attribute 'srcAnchorDY' of <edge> in edge 'e' is \"?\"", 12,
+                                 "edge", "p.xml"}));
 }
 
-TEST(DiagramReader, BlocksAreReadFromTagsNotFromComments) {
+// The frame line and the data-integration block are the first occurrences
+// of their names in the text, as a substring search finds them: inside a
+// comment, an attribute value or a name too, and after the root.
+TEST(DiagramReader, BlocksAreTheFirstOccurrenceWhereverItStands) {
   const std::string xml =
       "<diagram>\n<!-- <DiagramFrame kind=\"sd\"/> <DataIntegration><Link id=\"c\"/></DataIntegration> -->\n"
       "<DiagramFrame kind=\"act\"/>\n</diagram>\n"
       "<DataIntegration version=\"1\"><Link id=\"after\"/></DataIntegration>\n";
   auto c = io::readDiagram(xml);
   ASSERT_TRUE(c);
-  EXPECT_EQ(c->frame.kind, core::DiagramKind::act);
-  ASSERT_EQ(c->links.size(), 1u);  // a block after the root is still found
-  EXPECT_EQ(c->links[0].id, "after");
+  EXPECT_EQ(c->frame.kind, core::DiagramKind::sd);
+  ASSERT_EQ(c->links.size(), 1u);
+  EXPECT_EQ(c->links[0].id, "c");
+
+  struct Case {
+    const char* xml;
+    core::DiagramKind kind;
+  };
+  const Case cases[] = {
+      {"<diagram><node id='a' fillColor='<DiagramFrame kind=\"uc\"/>'/><DiagramFrame kind='act'/></diagram>", core::DiagramKind::uc},
+      {"<diagram><node id='a' x<DiagramFrame='1' kind='mm'/></diagram>", core::DiagramKind::mm},
+      {"<diagram><DiagramFrameX kind='req'/><DiagramFrame kind='act'/></diagram>", core::DiagramKind::req},
+      {"<?pi <DiagramFrame kind='stm'?><diagram><DiagramFrame kind='act'/></diagram>", core::DiagramKind::stm},
+      {"<diagram></diagram><DiagramFrame kind='par'/>", core::DiagramKind::par},
+      {"<diagram><node id='a' text='x'/></diagram>", core::DiagramKind::pkg},
+  };
+  for (const Case& k : cases) {
+    auto r = io::readDiagram(k.xml);
+    ASSERT_TRUE(r) << k.xml;
+    EXPECT_EQ(r->frame.kind, k.kind) << k.xml;
+    core::DiagramFrame bySearch;
+    io::parseDiagramFrame(k.xml, bySearch);
+    EXPECT_EQ(r->frame, bySearch) << k.xml;
+  }
+  auto blockInValue = io::readDiagram("<diagram><edge id='e' text='<DataIntegration><Link id=\"v\"/>'/></diagram>");
+  ASSERT_TRUE(blockInValue);
+  ASSERT_EQ(blockInValue->links.size(), 1u);
+  EXPECT_EQ(blockInValue->links[0].id, "v");
 }
 
 TEST(DiagramReader, FailedLoadLeavesTheDocumentAlone) {

@@ -112,3 +112,26 @@ TEST(ShellFiles, StartPageOffersTheShippedSamples) {
   EXPECT_TRUE(e.window->startPageShown());
   EXPECT_EQ(e.window->session(), nullptr);
 }
+
+// The editor opens through the same io function as the tool: a skipped
+// element is reported at its line, and a damaged file once, with the line of
+// the fault.
+TEST(ShellFiles, OpeningReportsSkipsAndFaultsAtTheirLines) {
+  Editor e;
+  const QString dup = e.data.filePath(QStringLiteral("dup.xml"));
+  const QString broken = e.data.filePath(QStringLiteral("broken.xml"));
+  auto write = [](const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(bytes);
+  };
+  write(dup, "<diagram>\n<node id=\"a\"/>\n<node id=\"a\"/>\n<!-- <DiagramFrame kind=\"act\"/> -->\n</diagram>\n");
+  write(broken, "<diagram>\n<node id=\"n\"><geom x=\"?\"/></node>\n</diagram>\n");
+  ASSERT_TRUE(e.window->openFile(dup));
+  EXPECT_TRUE(e.logged(QStringLiteral("Skipped while reading: line 3: node id 'a' is used twice; the later node was skipped")));
+  EXPECT_EQ(e.doc()->nodes().size(), 1u);
+  EXPECT_EQ(e.window->session()->kind(), core::DiagramKind::act);
+  EXPECT_FALSE(e.window->openFile(broken));
+  EXPECT_TRUE(e.logged(QStringLiteral("Could not open %1: line 2: invalid stof argument: attribute 'x' of <geom> in node 'n' is \"?\"")
+                           .arg(QDir::toNativeSeparators(broken))));
+}
