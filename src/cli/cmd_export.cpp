@@ -53,11 +53,15 @@ int run(const Args& args) {
   if (!out || *out == "-") throw CliError("export needs -o OUT; its extension gives the format");
   if (out->size() > 6 && out->ends_with(".sysml")) {
     // Text holds the whole project; what it cannot hold is listed.
-    const ModelFile file = openModel(args.positionals[0]);
-    const interchange::SysmlExport text = interchange::exportSysml(file.project, *out);
+    const ModelFile file = openModel(args.positionals[0], std::nullopt, true);
+    // The exporter reads each model from its diagram text as written.
+    core::Project project = file.project;
+    for (std::size_t i = 0; i < project.models.size(); ++i)
+      project.models[i].diagramXml = std::string(file.diagramText(i));
+    const interchange::SysmlExport text = interchange::exportSysml(project, *out);
     writeResult(out, text.text);
     const std::string losses = interchange::lossLines(text.report);
-    if (!losses.empty()) diagnostic(losses.substr(0, losses.size() - 1));
+    diagnosticLines(losses);
     return kExitOk;
   }
   const bool raster = isRasterOutput(*out);

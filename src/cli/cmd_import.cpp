@@ -53,8 +53,7 @@ int run(const Args& args) {
     std::string text = interchange::errorLines(im.report);
     text += interchange::summaryLine(im.report) + "\n";
     text += interchange::lossLines(im.report);
-    text.pop_back();
-    diagnostic(text);
+    diagnosticLines(text);
   }
   switch (im.status) {
     case interchange::ImportStatus::ok: return kExitOk;

@@ -57,10 +57,6 @@ ModelFile openModel(std::string_view arg, const std::optional<std::string>& mode
   return openModel(readInput(arg), modelId, allModels);
 }
 
-unsigned diagramFirstLine(const ModelFile& file, std::size_t index) {
-  return lineAt(file.text, diagramOffset(file, index));
-}
-
 core::DiagramKind kindFromKey(std::string_view key) {
   if (auto kind = core::diagramKindFromKey(key)) return *kind;
   throw CliError("unknown diagram kind " + io::quotedText(key, '\'') + " (kinds: " + kindKeyList() + ")");

@@ -59,9 +59,6 @@ ModelFile openModel(InputText input, const std::optional<std::string>& modelId, 
 /// The same, reading FILE (or "-") first.
 ModelFile openModel(std::string_view arg, const std::optional<std::string>& modelId, bool allModels);
 
-/// The line of the file on which model `index`'s diagram text starts.
-unsigned diagramFirstLine(const ModelFile& file, std::size_t index);
-
 /// The kind `--kind KEY` names; CliError for an unknown key.
 core::DiagramKind kindFromKey(std::string_view key);
 

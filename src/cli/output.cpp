@@ -158,4 +158,15 @@ void diagnostic(std::string_view line) {
   std::fflush(stderr);
 }
 
+void diagnosticLines(std::string_view text) {
+  std::vector<std::string> lines;
+  while (!text.empty()) {
+    const auto end = text.find('\n');
+    lines.emplace_back(text.substr(0, end));
+    if (end == std::string_view::npos) break;
+    text.remove_prefix(end + 1);
+  }
+  diagnostics(lines);
+}
+
 }  // namespace modelyne::cli

@@ -73,6 +73,10 @@ void diagnostic(std::string_view line);
 /// Several lines at once (one write for thousands of warnings).
 void diagnostics(const std::vector<std::string>& lines);
 
+/// Lines joined by '\n' (a report), each made safe and printed as its own
+/// line; a trailing line feed adds no empty line.
+void diagnosticLines(std::string_view text);
+
 /// `text` with control characters (C0, DEL, C1) and bytes that are not part
 /// of valid UTF-8 written as "\xHH"; everything else as it is.
 std::string terminalSafe(std::string_view text);
