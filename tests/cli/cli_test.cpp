@@ -558,6 +558,17 @@ TEST(CliLayout, LaysOutAndWritesTheModelBack) {
   EXPECT_EQ(empty.err, "<stdin>: left as it was: the document has no nodes\n");
   EXPECT_NE(empty.out.find("<diagram "), std::string::npos);
 
+  // In a project only the active model changes; the others are written back
+  // as they were, though only the active one is read.
+  const std::string other = kBddXml.substr(kBddXml.find("<diagram"), kBddXml.rfind("</diagram>") + 10 - kBddXml.find("<diagram"));
+  const std::string project = "<modelyneProject version=\"1\" name=\"P\" active=\"0\">\n"
+                              "<modelyneModel id=\"a\" name=\"A\">\n" + before + "</modelyneModel>\n"
+                              "<modelyneModel id=\"b\" name=\"B\">\n" + other + "\n</modelyneModel>\n</modelyneProject>\n";
+  const ToolRun inProject = runTool({"layout", "-"}, project);
+  ASSERT_EQ(inProject.exitCode, 0) << inProject.err;
+  EXPECT_TRUE(inProject.out.ends_with("<modelyneModel id=\"b\" name=\"B\">\n" + other + "\n</modelyneModel>\n</modelyneProject>\n"))
+      << inProject.out;
+
   const ToolRun wrong = runTool({"layout", "m.xml", "--algorithm", "spring"}, {}, dir);
   EXPECT_EQ(wrong.exitCode, 2);
   EXPECT_EQ(wrong.err, "modelyne: error: unknown layout algorithm 'spring' (algorithms: layered, organic)\n");
