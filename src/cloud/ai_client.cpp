@@ -108,6 +108,9 @@ AiOutcome ReadChatReply(const HttpResponse& r) {
     doc = json::parse(r.body);
   } catch (const json::parse_error& e) {
     return failure("The server's reply is not valid JSON (byte " + std::to_string(e.byte) + ").");
+  } catch (const json::exception&) {
+    // A number beyond double's range is valid JSON that the parser refuses.
+    return failure("The server's reply holds a number too large to read.");
   }
   const json* content = nullptr;
   if (doc.is_object() && doc.contains("choices") && doc["choices"].is_array() && !doc["choices"].empty()) {

@@ -37,6 +37,10 @@ void readFile(LoadedConfig& out) {
   } catch (const json::parse_error& e) {
     out.errors.push_back({path, "not valid JSON at byte " + std::to_string(e.byte) + "."});
     return;
+  } catch (const json::exception&) {
+    // A number beyond double's range is valid JSON that the parser refuses.
+    out.errors.push_back({path, "holds a number too large to read."});
+    return;
   }
   if (!doc.is_object()) {
     out.errors.push_back({path, "the file must hold one JSON object."});

@@ -339,3 +339,16 @@ TEST(ContentReports, SentToTheBackend) {
 
 }  // namespace
 }  // namespace modelyne::cloud
+
+// Fuzz finding: a number beyond double's range made the JSON parser throw
+// past the reply reader.
+TEST(AiClient, ReplyWithAnOverflowingNumberIsAFailure) {
+  modelyne::cloud::HttpResponse r;
+  r.status = 200;
+  r.body = "777e777\"*-\"7778\"";
+  const modelyne::cloud::AiOutcome out = modelyne::cloud::ReadChatReply(r);
+  EXPECT_FALSE(out.text.has_value());
+  EXPECT_EQ(out.failure, "The server's reply holds a number too large to read.");
+  r.body = R"({"choices": [{"message": {"content": "NODE|a|Block"}}], "x": 1e999})";
+  EXPECT_EQ(modelyne::cloud::ReadChatReply(r).failure, "The server's reply holds a number too large to read.");
+}
