@@ -4,6 +4,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "core/text_chars.h"
+
 namespace modelyne::ai {
 
 namespace {
@@ -220,17 +222,18 @@ PlanElements BuildPlanElements(const core::Document& doc, DiagramKind diagram, c
   for (const PlanNode& p : plan.nodes) {
     if (byPlanId.count(p.id)) continue;
     core::Node n;
-    n.id = ids.take(p.id);
+    // Plan text comes from a person or a model: keep what XML cannot hold out of the document.
+    n.id = ids.take(core::cleanText(p.id));
     n.type = ShapeForPlanKind(diagram, p.kind);
     if (diagram == DiagramKind::mm && !hasCentral) {
       n.type = S::mindmapCentral;  // a mind map radiates from one central idea
       hasCentral = true;
     }
     n.geom = {p.x, p.y, p.width > 0.0f ? p.width : kPlanNodeWidth, p.height > 0.0f ? p.height : kPlanNodeHeight};
-    n.text = p.label;
+    n.text = core::cleanText(p.label);
     if (isRequirementShape(n.type)) {
       n.properties["reqId"] = freshReqId();
-      n.properties["requirementText"] = p.label;
+      n.properties["requirementText"] = n.text;
     }
     byPlanId.emplace(p.id, out.nodes.size());
     out.nodes.push_back(std::move(n));
@@ -253,7 +256,7 @@ PlanElements BuildPlanElements(const core::Document& doc, DiagramKind diagram, c
       m = {E::straight, p.kind == PlanEdgeKind::Connection};
     }
     e.type = m.type;
-    e.text = p.label;
+    e.text = core::cleanText(p.label);
     if (e.text.empty() && !m.exact) {
       const auto col = static_cast<std::int32_t>(p.kind);
       e.text = kInexactLabels[col >= 0 && col < kPlanEdgeKindCount ? static_cast<std::size_t>(col) : 0];

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "core/text_chars.h"
+
 namespace modelyne::io {
 
 namespace {
@@ -12,38 +14,15 @@ bool xmlAllows(std::uint32_t c) {
          (c >= 0x10000 && c <= 0x10FFFF);
 }
 
-bool continuation(unsigned char b) { return (b & 0xC0) == 0x80; }
-
 }  // namespace
 
 std::optional<XmlTextFault> firstXmlTextFault(std::string_view text) {
   std::size_t i = 0;
   while (i < text.size()) {
-    const auto b = static_cast<unsigned char>(text[i]);
-    if (b < 0x80) {
-      if (!xmlAllows(b)) return XmlTextFault{XmlTextFault::Kind::character, b, i};
-      ++i;
-      continue;
-    }
-    // Length and lowest value of the sequence a lead byte starts; anything
-    // shorter, overlong, a surrogate or past U+10FFFF is not UTF-8.
-    std::size_t length = 0;
-    std::uint32_t c = 0;
-    std::uint32_t lowest = 0;
-    if ((b & 0xE0) == 0xC0) { length = 2; c = b & 0x1Fu; lowest = 0x80; }
-    else if ((b & 0xF0) == 0xE0) { length = 3; c = b & 0x0Fu; lowest = 0x800; }
-    else if ((b & 0xF8) == 0xF0) { length = 4; c = b & 0x07u; lowest = 0x10000; }
-    else return XmlTextFault{XmlTextFault::Kind::byte, b, i};
-    if (i + length > text.size()) return XmlTextFault{XmlTextFault::Kind::byte, b, i};
-    for (std::size_t k = 1; k < length; ++k) {
-      const auto next = static_cast<unsigned char>(text[i + k]);
-      if (!continuation(next)) return XmlTextFault{XmlTextFault::Kind::byte, b, i};
-      c = (c << 6) | (next & 0x3Fu);
-    }
-    if (c < lowest || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
-      return XmlTextFault{XmlTextFault::Kind::byte, b, i};
-    if (!xmlAllows(c)) return XmlTextFault{XmlTextFault::Kind::character, c, i};
-    i += length;
+    const core::Utf8Step step = core::decodeUtf8(text, i);
+    if (!step.valid) return XmlTextFault{XmlTextFault::Kind::byte, static_cast<unsigned char>(text[i]), i};
+    if (!xmlAllows(step.codePoint)) return XmlTextFault{XmlTextFault::Kind::character, step.codePoint, i};
+    i += step.length;
   }
   return std::nullopt;
 }

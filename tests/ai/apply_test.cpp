@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "ai/interpreter.h"
 #include "ai/plan_apply.h"
+#include "core/text_chars.h"
 #include "check/allowed_types.h"
 #include "bridge/bridge.h"
 
@@ -167,6 +169,34 @@ TEST(PlanApply, IdsRequirementsNotesAndMindMaps) {
   EXPECT_EQ(mm.edges()[0].text, "");
   const PlanElements again = BuildPlanElements(mm, DiagramKind::mm, topics);
   EXPECT_EQ(again.nodes[0].type, ShapeType::mindmapMainTopic);
+}
+
+// Plan text comes from people and models; what XML 1.0 cannot hold never
+// reaches the document, whichever way the plan was made.
+TEST(PlanApply, GeneratedTextHoldsNoControlCharacters) {
+  DiagramPlan plan;
+  plan.nodes = {planNode("r\x07", PlanNodeKind::Requirement, "Stop\x07 within \x1B[1m40 m\xFF"),
+                planNode("b", PlanNodeKind::Block, "Brake\r\nunit")};
+  plan.edges = {PlanEdge{"b", "r\x07", PlanEdgeKind::Satisfy, "meets\x01"}};
+  core::Document doc;
+  ApplyPlan(&doc, DiagramKind::req, plan);
+  ASSERT_EQ(doc.nodes().size(), 2u);
+  EXPECT_EQ(doc.nodes()[0].id, "r");
+  EXPECT_EQ(doc.nodes()[0].text, "Stop within [1m40 m\xEF\xBF\xBD");
+  EXPECT_EQ(doc.nodes()[0].properties.at("requirementText"), doc.nodes()[0].text);
+  EXPECT_EQ(doc.nodes()[1].text, "Brake\nunit");
+  ASSERT_EQ(doc.edges().size(), 1u);
+  EXPECT_EQ(doc.edges()[0].target, "r");
+  EXPECT_EQ(doc.edges()[0].text, "meets");
+
+  // The offline interpreter on a description holding a bell and a stray byte.
+  core::Document fromText;
+  ApplyPlan(&fromText, DiagramKind::bdd, InterpretText("A Drone\x07 has a Battery\xFE and a Motor."));
+  ASSERT_FALSE(fromText.nodes().empty());
+  for (const core::Node& n : fromText.nodes()) {
+    EXPECT_EQ(n.text, core::cleanText(n.text)) << n.id;
+    EXPECT_EQ(n.id, core::cleanText(n.id));
+  }
 }
 
 TEST(PlanFromDocument, NodesEdgesAndKinds) {
