@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "core/json_string.h"
+
 namespace modelyne::cli {
 
-/// A JSON string literal: quotes, backslashes and control characters
-/// escaped, UTF-8 copied, bytes that are not UTF-8 as U+FFFD.
-std::string jsonString(std::string_view s);
+using core::jsonString;
 
 /// An array of strings, one element per line, ending in a line feed;
 /// "[]\n" when empty.

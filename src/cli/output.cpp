@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include "core/text_chars.h"
 #include "io/atomic_file.h"
 #include "io/quoted_text.h"
 
@@ -20,29 +21,6 @@ std::uint64_t inputLimit = io::kDefaultMaxInputBytes;
 std::string limitHint() {
   return "larger than the input size limit of " + io::sizeText(inputLimit) + " (" + std::string(kMaxInputSizeOption) +
          " raises it)";
-}
-
-// Length of the valid UTF-8 sequence at `p`, or 0.
-std::size_t utf8Length(const unsigned char* p, std::size_t left) {
-  const unsigned char c = p[0];
-  std::size_t n;
-  unsigned char lo = 0x80, hi = 0xBF;  // allowed range of the second byte
-  if (c >= 0xC2 && c <= 0xDF) n = 2;
-  else if (c >= 0xE0 && c <= 0xEF) {
-    n = 3;
-    if (c == 0xE0) lo = 0xA0;
-    if (c == 0xED) hi = 0x9F;  // no surrogates
-  } else if (c >= 0xF0 && c <= 0xF4) {
-    n = 4;
-    if (c == 0xF0) lo = 0x90;
-    if (c == 0xF4) hi = 0x8F;
-  } else {
-    return 0;
-  }
-  if (left < n || p[1] < lo || p[1] > hi) return 0;
-  for (std::size_t k = 2; k < n; ++k)
-    if ((p[k] & 0xC0) != 0x80) return 0;
-  return n;
 }
 
 void writeAll(std::FILE* stream, std::string_view bytes, std::string_view streamName) {
@@ -108,24 +86,22 @@ std::string terminalSafe(std::string_view text) {
   static constexpr char kHex[] = "0123456789ABCDEF";
   std::string out;
   out.reserve(text.size());
-  const auto* p = reinterpret_cast<const unsigned char*>(text.data());
-  const std::size_t size = text.size();
-  for (std::size_t i = 0; i < size;) {
-    const unsigned char c = p[i];
-    std::size_t n = c < 0x80 ? 1 : utf8Length(p + i, size - i);
-    // C1 controls are two bytes in UTF-8 (U+0080..U+009F); some terminals obey them.
-    const bool control = c < 0x20 || c == 0x7F || (n == 2 && c == 0xC2 && p[i + 1] < 0xA0);
-    if (n == 0 || control) {
-      if (n == 0) n = 1;
-      for (std::size_t k = 0; k < n; ++k) {
+  for (std::size_t i = 0; i < text.size();) {
+    const core::Utf8Step step = core::decodeUtf8(text, i);
+    // Every control character is shown escaped, C1 controls too (some
+    // terminals obey them), and so is each byte that is not UTF-8.
+    const bool control = step.codePoint < 0x20 || (step.codePoint >= 0x7F && step.codePoint <= 0x9F);
+    if (!step.valid || control) {
+      for (std::size_t k = 0; k < step.length; ++k) {
+        const auto b = static_cast<unsigned char>(text[i + k]);
         out += "\\x";
-        out += kHex[p[i + k] >> 4];
-        out += kHex[p[i + k] & 0xF];
+        out += kHex[b >> 4];
+        out += kHex[b & 0xF];
       }
     } else {
-      out.append(text.substr(i, n));
+      out.append(text.substr(i, step.length));
     }
-    i += n;
+    i += step.length;
   }
   return out;
 }

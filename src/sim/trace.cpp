@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdio>
 
+#include "core/json_string.h"
+
 namespace modelyne::core::sim {
 
 namespace {
@@ -59,60 +61,7 @@ std::string joined(const std::vector<std::string>& items) {
 
 // ---- JSON form
 
-// Length of the UTF-8 sequence at `i`, or 0 when it is not well formed.
-std::size_t utf8Length(std::string_view s, std::size_t i) {
-  const auto b = static_cast<unsigned char>(s[i]);
-  std::size_t n = 0;
-  unsigned min = 0;
-  if (b >= 0xC2 && b <= 0xDF) n = 2, min = 0x80;
-  else if (b >= 0xE0 && b <= 0xEF) n = 3, min = 0x800;
-  else if (b >= 0xF0 && b <= 0xF4) n = 4, min = 0x10000;
-  else return 0;
-  if (i + n > s.size()) return 0;
-  unsigned cp = b & (0x7F >> n);
-  for (std::size_t k = 1; k < n; ++k) {
-    const auto c = static_cast<unsigned char>(s[i + k]);
-    if ((c & 0xC0) != 0x80) return 0;
-    cp = (cp << 6) | (c & 0x3F);
-  }
-  if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
-  return n;
-}
-
-// Escapes what JSON requires; bytes that are not UTF-8 become U+FFFD.
-void appendJsonString(std::string& out, std::string_view s) {
-  out += '"';
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    const char c = s[i];
-    const auto u = static_cast<unsigned char>(c);
-    if (u >= 0x80) {
-      const std::size_t n = utf8Length(s, i);
-      if (n == 0) {
-        out += "\xEF\xBF\xBD";
-      } else {
-        out.append(s.substr(i, n));
-        i += n - 1;
-      }
-      continue;
-    }
-    switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
-      default:
-        if (u < 0x20) {
-          char buf[8];
-          std::snprintf(buf, sizeof buf, "\\u%04x", u);
-          out += buf;
-        } else {
-          out += c;
-        }
-    }
-  }
-  out += '"';
-}
+using core::appendJsonString;
 
 void appendJsonArray(std::string& out, const std::vector<std::string>& items) {
   out += '[';

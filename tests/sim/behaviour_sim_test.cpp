@@ -100,7 +100,7 @@ TEST(Trace, TextAndJsonForms) {
   m.to = "b";
   m.detail = "caf\xC3\xA9 \xFF\x01";
   EXPECT_EQ(formatJsonLine(m), "{\"step\": 1, \"event\": \"message\", \"edge\": \"m1\", \"from\": \"a\", \"to\": \"b\", "
-                               "\"detail\": \"caf\xC3\xA9 \xEF\xBF\xBD\\u0001\"}\n");
+                               "\"detail\": \"caf\xC3\xA9 \\ufffd\\u0001\"}\n");
 
   TraceEvent end;
   end.kind = EventKind::end;
